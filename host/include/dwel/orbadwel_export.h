@@ -1,0 +1,3 @@
+#pragma once
+
+#define ORBADWEL_EXPORT __attribute__((visibility("default")))

@@ -1,0 +1,3 @@
+#pragma once
+
+#define ORBACORE_EXPORT __attribute__((visibility("default")))

@@ -1,0 +1,3 @@
+#pragma once
+
+#define ORBAT_EXPORT __attribute__((visibility("default")))

@@ -1,0 +1,3 @@
+#pragma once
+
+#define TCORE_EXPORT __attribute__((visibility("default")))

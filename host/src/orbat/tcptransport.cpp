@@ -1,0 +1,315 @@
+#include <orbat/tcptransport.h>
+
+#include "lineinfo.h"
+
+#include <QElapsedTimer>
+#include <QMetaObject>
+#include <QPointer>
+#include <QTcpSocket>
+#include <QTimer>
+
+namespace orbat {
+
+namespace {
+constexpr int kFirstBackoffMs = 200;
+constexpr int kMaxBackoffMs = 5000;
+constexpr int kConnectTimeoutMs = 5000;
+} // namespace
+
+class TcpTransportPrivate
+{
+public:
+    explicit TcpTransportPrivate(TcpTransport *q) : q(q) {}
+
+    bool linkUp() const { return up && socket->state() == QAbstractSocket::ConnectedState; }
+
+    void connectNow()
+    {
+        if (!wantOpen || socket->state() != QAbstractSocket::UnconnectedState)
+            return;
+        rx.clear();
+        scanFrom = 0;
+        socket->connectToHost(host, port);
+        connectGuard.start(kConnectTimeoutMs);
+    }
+
+    void onConnected()
+    {
+        connectGuard.stop();
+        up = true;
+        backoffMs = kFirstBackoffMs;
+        lastRx.start();
+        lastTx.start();
+        ping.start(pingMs);
+        postAnnounce(true);
+    }
+
+    void onUnconnected()
+    {
+        connectGuard.stop();
+        ping.stop();
+        rx.clear();
+        scanFrom = 0;
+        if (up) {
+            up = false;
+            postAnnounce(false);
+        }
+        if (wantOpen && !reconnect.isActive()) {
+            reconnect.start(backoffMs);
+            backoffMs = qMin(backoffMs * 2, kMaxBackoffMs);
+        }
+    }
+
+    // Drops the link; reconnection follows through onUnconnected().
+    void drop()
+    {
+        socket->abort();
+        if (socket->state() == QAbstractSocket::UnconnectedState && up)
+            onUnconnected();
+    }
+
+    void onPing()
+    {
+        if (!linkUp())
+            return;
+        if (lastRx.elapsed() > 3 * qint64(pingMs)) {
+            drop();
+            return;
+        }
+        if (lastTx.elapsed() >= pingMs) {
+            QByteArray line = "{\"id\":" + QByteArray::number(--pingId) + ",\"op\":\"ping\",\"method\":\"ping\"}\n";
+            socket->write(line);
+            lastTx.start();
+        }
+    }
+
+    void postAnnounce(bool isUp)
+    {
+        QMetaObject::invokeMethod(q, [this, isUp] { announce(isUp); }, Qt::QueuedConnection);
+    }
+    void announce(bool isUp)
+    {
+        if (isUp) {
+            if (announced || !linkUp())
+                return;
+            announced = true;
+            emit q->connected();
+        } else {
+            if (!announced)
+                return;
+            announced = false;
+            emit q->disconnected();
+        }
+    }
+
+    // Reads what the socket has and handles every complete line: the awaited reply is stored in
+    // `reply`, events are re-emitted from the event loop, anything else is dropped. Returns false
+    // when the link was dropped for an oversized line.
+    bool readIncoming()
+    {
+        const qint64 available = socket->bytesAvailable();
+        if (available <= 0)
+            return true;
+        lastRx.start();
+        rx.append(socket->readAll());
+        int start = 0;
+        for (;;) {
+            const int nl = rx.indexOf('\n', scanFrom);
+            if (nl < 0)
+                break;
+            if (nl - start > Transport::maxLineBytes()) {
+                drop();
+                return false;
+            }
+            QByteArray line = rx.mid(start, nl - start);
+            start = nl + 1;
+            scanFrom = start;
+            if (line.endsWith('\r'))
+                line.chop(1);
+            if (!line.trimmed().isEmpty())
+                handleLine(line);
+        }
+        if (start > 0) {
+            rx.remove(0, start);
+            scanFrom -= start;
+        }
+        scanFrom = rx.size();
+        if (rx.size() > Transport::maxLineBytes()) {
+            drop();
+            return false;
+        }
+        return true;
+    }
+
+    void handleLine(const QByteArray &line)
+    {
+        const detail::LineInfo info = detail::classifyLine(line);
+        if (info.kind == detail::LineInfo::Event) {
+            QPointer<TcpTransport> self(q);
+            QMetaObject::invokeMethod(q, [self, line] {
+                if (self)
+                    emit self->eventLine(line);
+            }, Qt::QueuedConnection);
+            return;
+        }
+        // An unidentifiable line while a request waits is taken as its (bad) reply.
+        if (awaiting && !reply && (info.kind == detail::LineInfo::Unknown || info.id == awaitedId))
+            reply = line;
+    }
+
+    TcpTransport *q;
+    QString host;
+    quint16 port = 0;
+    QTcpSocket *socket = nullptr;
+    QTimer reconnect;
+    QTimer connectGuard;
+    QTimer ping;
+    QElapsedTimer lastRx;
+    QElapsedTimer lastTx;
+    QByteArray rx;
+    int scanFrom = 0;
+    int pingMs = 2000;
+    int backoffMs = kFirstBackoffMs;
+    qint64 pingId = 0;
+    bool wantOpen = false;
+    bool up = false;
+    bool announced = false;
+    bool awaiting = false;
+    qint64 awaitedId = 0;
+    std::optional<QByteArray> reply;
+};
+
+TcpTransport::TcpTransport(const QString &host, quint16 port, QObject *parent)
+    : Transport(parent), d(new TcpTransportPrivate(this))
+{
+    d->host = host;
+    d->port = port;
+    d->socket = new QTcpSocket(this);
+    d->socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    d->reconnect.setSingleShot(true);
+    d->connectGuard.setSingleShot(true);
+
+    connect(d->socket, &QTcpSocket::connected, this, [this] { d->onConnected(); });
+    connect(d->socket, &QAbstractSocket::stateChanged, this, [this](QAbstractSocket::SocketState state) {
+        if (state == QAbstractSocket::UnconnectedState)
+            d->onUnconnected();
+    });
+    connect(d->socket, &QIODevice::readyRead, this, [this] {
+        // During request() the waiting loop reads; this only runs from the event loop.
+        if (!d->awaiting)
+            d->readIncoming();
+    });
+    connect(&d->reconnect, &QTimer::timeout, this, [this] { d->connectNow(); });
+    connect(&d->connectGuard, &QTimer::timeout, this, [this] {
+        if (d->socket->state() != QAbstractSocket::ConnectedState)
+            d->socket->abort();
+    });
+    connect(&d->ping, &QTimer::timeout, this, [this] { d->onPing(); });
+}
+
+TcpTransport::~TcpTransport()
+{
+    d->wantOpen = false;
+    d->socket->disconnect(this);
+    d->socket->abort();
+}
+
+void TcpTransport::setPingInterval(int ms)
+{
+    d->pingMs = qMax(10, ms);
+    if (d->ping.isActive())
+        d->ping.start(d->pingMs);
+}
+
+int TcpTransport::pingIntervalMs() const
+{
+    return d->pingMs;
+}
+
+bool TcpTransport::isConnected() const
+{
+    return d->linkUp();
+}
+
+void TcpTransport::open()
+{
+    d->wantOpen = true;
+    d->backoffMs = kFirstBackoffMs;
+    d->connectNow();
+}
+
+void TcpTransport::close()
+{
+    d->wantOpen = false;
+    d->reconnect.stop();
+    d->socket->abort();
+}
+
+std::optional<QByteArray> TcpTransport::request(qint64 id, const QByteArray &line, int timeoutMs)
+{
+    if (!d->linkUp())
+        return std::nullopt;
+    QElapsedTimer clock;
+    clock.start();
+    const auto remaining = [&] { return int(qMax<qint64>(0, timeoutMs - clock.elapsed())); };
+
+    // Lines already waiting belong to earlier traffic: dispatch them first.
+    d->readIncoming();
+    if (!d->linkUp())
+        return std::nullopt;
+
+    d->awaiting = true;
+    d->awaitedId = id;
+    d->reply.reset();
+    QByteArray out = line;
+    out.append('\n');
+    if (d->socket->write(out) != out.size()) {
+        d->awaiting = false;
+        d->drop();
+        return std::nullopt;
+    }
+    d->lastTx.start();
+
+    while (!d->reply) {
+        // waitForBytesWritten() may already have pulled the reply into the socket's buffer.
+        if (d->socket->bytesAvailable() > 0) {
+            if (!d->readIncoming())
+                break;
+            continue;
+        }
+        const int left = remaining();
+        if (left <= 0 || !d->linkUp())
+            break;
+        if (d->socket->bytesToWrite() > 0) {
+            d->socket->waitForBytesWritten(left);
+        } else {
+            d->socket->waitForReadyRead(left);
+        }
+    }
+    d->awaiting = false;
+    // Bytes that came with the reply (events, pongs) are handled without waiting for readyRead.
+    if (d->linkUp() && d->socket->bytesAvailable() > 0)
+        QMetaObject::invokeMethod(this, [this] { d->readIncoming(); }, Qt::QueuedConnection);
+    std::optional<QByteArray> result;
+    result.swap(d->reply);
+    return result;
+}
+
+bool TcpTransport::post(const QByteArray &line)
+{
+    if (!d->linkUp())
+        return false;
+    QByteArray out = line;
+    out.append('\n');
+    if (d->socket->write(out) != out.size())
+        return false;
+    d->lastTx.start();
+    return true;
+}
+
+QString TcpTransport::peerName() const
+{
+    return QStringLiteral("%1:%2").arg(d->host).arg(d->port);
+}
+
+} // namespace orbat

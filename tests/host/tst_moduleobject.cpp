@@ -1,0 +1,836 @@
+#include <orba/modulemanager.h>
+#include <orba/moduleobject.h>
+
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+using orba::ModuleManager;
+using orba::ModuleObject;
+
+namespace {
+
+bool sameBits(double a, double b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+} // namespace
+
+class TestModuleObject : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void setCreatesPath_data();
+    void setCreatesPath();
+    void setCreatesArrayElements();
+    void setOwnValueWithEmptyPath();
+    void lookupReturnsEmptyOnMiss_data();
+    void lookupReturnsEmptyOnMiss();
+    void emptyNodeGettersGiveDefaults();
+    void emptyNodeIgnoresWrites();
+    void getterConversions_data();
+    void getterConversions();
+    void changedCarriesSender_data();
+    void changedCarriesSender();
+    void noNotificationOnSameValue_data();
+    void noNotificationOnSameValue();
+    void notifyFalseIsSilent();
+    void triggerNotifiesWithoutChange();
+    void appendNotifies();
+    void insertNotifiesAndReindexes();
+    void takeNotifiesAndHandsOver();
+    void removeNotifiesAndDestroys();
+    void clearNotifiesOnce();
+    void clearRecursiveNotifiesDescendants();
+    void setCreatingPathNotifiesEachLevel();
+    void deletingChildDetachesIt();
+    void appendMovesFromFormerParent();
+    void insertRefusesCycle();
+    void deepCopyIsIndependent();
+    void copyFromKeepsOwnName();
+    void copyFromDescendant();
+    void copyFromEmptyClears();
+    void ancestorsAndIndex();
+    void isNullAndIsEmpty_data();
+    void isNullAndIsEmpty();
+    void arrayLookupStaysCorrectAfterEdits();
+    void largeArrayLookup();
+    void duplicateNamesFirstWins();
+    void renameUpdatesLookup();
+    void childListsAndNames();
+    void isArray_data();
+    void isArray();
+    void importFromVariant_data();
+    void importFromVariant();
+    void importFromVariantMerge();
+    void exportToVariantRoundTrip();
+    void equalsComparesDoublesBitwise();
+    void globalLookupAndReset();
+    void metatypeIsRegistered();
+    void childrenDestroyedWithParent();
+};
+
+void TestModuleObject::init()
+{
+    ModuleManager::resetRoot();
+}
+
+void TestModuleObject::cleanup()
+{
+    ModuleManager::resetRoot();
+    QCOMPARE(orba::m()->cmobjCount(), 0);
+}
+
+void TestModuleObject::setCreatesPath_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QStringList>("createdNames");
+
+    QTest::newRow("single name") << "a" << QStringList{"a"};
+    QTest::newRow("three levels") << "a.b.c" << QStringList{"a", "a.b", "a.b.c"};
+    QTest::newRow("array element") << "trans.#2"
+                                   << QStringList{"trans", "trans.#0", "trans.#1", "trans.#2"};
+    QTest::newRow("array inside array") << "points.#1.near.#0"
+                                        << QStringList{"points", "points.#0", "points.#1", "points.#1.near",
+                                                       "points.#1.near.#0"};
+}
+
+void TestModuleObject::setCreatesPath()
+{
+    QFETCH(QString, path);
+    QFETCH(QStringList, createdNames);
+
+    ModuleObject root;
+    QCOMPARE(root.set(nullptr, path, 42), &root);
+    QCOMPARE(root.cmobjNames(true), createdNames);
+    QCOMPARE(root.r(path)->getInt(), 42);
+    QVERIFY(root.hasRmobj(path));
+}
+
+void TestModuleObject::setCreatesArrayElements()
+{
+    ModuleObject root;
+    root.set(nullptr, "trans.#2", 3.5);
+    ModuleObject *trans = root.r("trans");
+    QCOMPARE(trans->size(), 3);
+    QVERIFY(trans->isArray());
+    QVERIFY(trans->c(0)->isNull());
+    QVERIFY(trans->c(1)->isNull());
+    QCOMPARE(trans->c(2)->getDouble(), 3.5);
+
+    // An existing element is reused, the array does not grow.
+    root.set(nullptr, "trans.#1", 1.0);
+    QCOMPARE(trans->size(), 3);
+    QCOMPARE(trans->r("#1")->getDouble(), 1.0);
+}
+
+void TestModuleObject::setOwnValueWithEmptyPath()
+{
+    ModuleObject node("n");
+    node.set(nullptr, QString(), QStringLiteral("v"));
+    QCOMPARE(node.getString(), QStringLiteral("v"));
+    QCOMPARE(node.cmobjCount(), 0);
+    QCOMPARE(node.r(QString()), &node);
+}
+
+void TestModuleObject::lookupReturnsEmptyOnMiss_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing child") << "x";
+    QTest::newRow("missing below existing") << "a.x";
+    QTest::newRow("missing element") << "a.b.#9";
+    QTest::newRow("trailing dot") << "a.";
+    QTest::newRow("leading dot") << ".a";
+}
+
+void TestModuleObject::lookupReturnsEmptyOnMiss()
+{
+    QFETCH(QString, path);
+    ModuleObject root;
+    root.set(nullptr, "a.b.#0", 1);
+    ModuleObject *node = root.r(path);
+    QVERIFY(node);
+    QVERIFY(node->isEmpty());
+    QCOMPARE(node, ModuleManager::emptyMobj());
+    QVERIFY(!root.hasRmobj(path));
+}
+
+void TestModuleObject::emptyNodeGettersGiveDefaults()
+{
+    ModuleObject *e = orba::m("no.such.node");
+    QVERIFY(e->isEmpty());
+    QCOMPARE(e->getInt(7), 7);
+    QCOMPARE(e->getInt64(-9), qint64(-9));
+    QCOMPARE(e->getDouble(2.5), 2.5);
+    QCOMPARE(e->getBool(true), true);
+    QCOMPARE(e->getString("def"), QStringLiteral("def"));
+    QVERIFY(!e->hasValue());
+    QVERIFY(e->c("x")->isEmpty());
+    QVERIFY(e->c(0)->isEmpty());
+    QVERIFY(e->p(0)->isEmpty());
+    QVERIFY(e->r("a.b.c")->r("d")->isEmpty());
+    QCOMPARE(e->r("a")->c(3)->getInt(11), 11);
+    QCOMPARE(e->indexInPmobj(), -1);
+}
+
+void TestModuleObject::emptyNodeIgnoresWrites()
+{
+    ModuleObject *e = ModuleManager::emptyMobj();
+    QSignalSpy changed(e, &ModuleObject::changed);
+    QSignalSpy inserted(e, &ModuleObject::childInserted);
+
+    QCOMPARE(e->set(this, "a.b", 1), e);
+    QCOMPARE(e->setValue(this, 5), e);
+    QCOMPARE(e->append(this, "child"), e);
+    ModuleObject loose("loose");
+    QCOMPARE(e->append(this, &loose), e);
+    QCOMPARE(e->insert(this, 0, &loose), e);
+    QVERIFY(loose.pmobj()->isEmpty());
+    QCOMPARE(e->take(this, 0), nullptr);
+    QVERIFY(!e->remove(this, 0));
+    QCOMPARE(e->c("made", true), e);
+    QVERIFY(!e->hasCmobj("made", true));
+    e->setName("renamed");
+    e->clear(this);
+    ModuleObject source;
+    source.set(nullptr, "x", 1);
+    e->copyFrom(this, &source);
+    e->importFromVariant(this, QVariantMap{{"k", 1}});
+    e->importFromJson(this, "{\"k\":1}");
+    e->trigger(this);
+
+    QVERIFY(!e->hasValue());
+    QCOMPARE(e->cmobjCount(), 0);
+    QCOMPARE(e->name(), QString());
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(inserted.count(), 0);
+}
+
+void TestModuleObject::getterConversions_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<int>("asInt");
+    QTest::addColumn<double>("asDouble");
+    QTest::addColumn<QString>("asString");
+
+    QTest::newRow("int") << QVariant(12) << 12 << 12.0 << "12";
+    QTest::newRow("double") << QVariant(2.5) << 3 << 2.5 << "2.5";
+    QTest::newRow("numeric string") << QVariant("7") << 7 << 7.0 << "7";
+    QTest::newRow("text falls back") << QVariant("abc") << -1 << -1.0 << "abc";
+    QTest::newRow("null falls back") << QVariant() << -1 << -1.0 << "fallback";
+    QTest::newRow("bool") << QVariant(true) << 1 << 1.0 << "true";
+}
+
+void TestModuleObject::getterConversions()
+{
+    QFETCH(QVariant, value);
+    QFETCH(int, asInt);
+    QFETCH(double, asDouble);
+    QFETCH(QString, asString);
+
+    ModuleObject node;
+    node.setValue(nullptr, value);
+    QCOMPARE(node.getInt(-1), asInt);
+    QCOMPARE(node.getDouble(-1.0), asDouble);
+    QCOMPARE(node.getString("fallback"), asString);
+}
+
+void TestModuleObject::changedCarriesSender_data()
+{
+    QTest::addColumn<QVariant>("before");
+    QTest::addColumn<QVariant>("after");
+
+    QTest::newRow("null to int") << QVariant() << QVariant(5);
+    QTest::newRow("int to other int") << QVariant(5) << QVariant(6);
+    QTest::newRow("int to same number as double") << QVariant(1) << QVariant(1.0);
+    QTest::newRow("zero to negative zero") << QVariant(0.0) << QVariant(-0.0);
+    QTest::newRow("string to string") << QVariant("a") << QVariant("b");
+    QTest::newRow("bool to int") << QVariant(true) << QVariant(1);
+    QTest::newRow("value to null") << QVariant(3) << QVariant();
+}
+
+void TestModuleObject::changedCarriesSender()
+{
+    QFETCH(QVariant, before);
+    QFETCH(QVariant, after);
+
+    ModuleObject root;
+    root.set(nullptr, "p.x", before, false);
+    ModuleObject *x = root.r("p.x");
+    QSignalSpy spy(x, &ModuleObject::changed);
+    root.set(this, "p.x", after);
+
+    QCOMPARE(spy.count(), 1);
+    const QList<QVariant> args = spy.takeFirst();
+    QCOMPARE(args.at(0).value<QVariant>().userType(), after.userType());
+    QCOMPARE(args.at(1).value<QVariant>().userType(), before.userType());
+    QCOMPARE(args.at(0).value<QVariant>(), after);
+    QCOMPARE(args.at(1).value<QVariant>(), before);
+    QCOMPARE(args.at(2).value<QObject *>(), this);
+    if (after.userType() == QMetaType::Double)
+        QVERIFY(sameBits(x->getDouble(), after.toDouble()));
+}
+
+void TestModuleObject::noNotificationOnSameValue_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QVariant>("again");
+
+    QTest::newRow("int") << QVariant(4) << QVariant(4);
+    QTest::newRow("int given as qint64") << QVariant(4) << QVariant(qint64(4));
+    QTest::newRow("double") << QVariant(0.1) << QVariant(0.1);
+    QTest::newRow("negative zero") << QVariant(-0.0) << QVariant(-0.0);
+    QTest::newRow("nan") << QVariant(std::numeric_limits<double>::quiet_NaN())
+                         << QVariant(std::numeric_limits<double>::quiet_NaN());
+    QTest::newRow("string") << QVariant("text") << QVariant(QStringLiteral("text"));
+    QTest::newRow("bool") << QVariant(false) << QVariant(false);
+    QTest::newRow("null") << QVariant() << QVariant();
+}
+
+void TestModuleObject::noNotificationOnSameValue()
+{
+    QFETCH(QVariant, value);
+    QFETCH(QVariant, again);
+
+    ModuleObject node;
+    node.setValue(nullptr, value, false);
+    QSignalSpy spy(&node, &ModuleObject::changed);
+    node.setValue(this, again);
+    node.set(this, QString(), again);
+    QCOMPARE(spy.count(), 0);
+}
+
+void TestModuleObject::notifyFalseIsSilent()
+{
+    ModuleObject root;
+    QSignalSpy inserted(&root, &ModuleObject::childInserted);
+    root.set(this, "a", 1, false);
+    QCOMPARE(inserted.count(), 0);
+    QSignalSpy changed(root.r("a"), &ModuleObject::changed);
+    root.set(this, "a", 2, false);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(root.r("a")->getInt(), 2);
+}
+
+void TestModuleObject::triggerNotifiesWithoutChange()
+{
+    ModuleObject node;
+    node.setValue(nullptr, 9);
+    QSignalSpy spy(&node, &ModuleObject::changed);
+    node.trigger(this);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).value<QVariant>(), QVariant(9));
+    QCOMPARE(spy.at(0).at(1).value<QVariant>(), QVariant(9));
+    QCOMPARE(spy.at(0).at(2).value<QObject *>(), this);
+    QCOMPARE(node.getInt(), 9);
+
+    ModuleObject valueless;
+    QSignalSpy spy2(&valueless, &ModuleObject::changed);
+    valueless.trigger();
+    QCOMPARE(spy2.count(), 1);
+    QCOMPARE(spy2.at(0).at(2).value<QObject *>(), nullptr);
+}
+
+void TestModuleObject::appendNotifies()
+{
+    ModuleObject root;
+    QSignalSpy spy(&root, &ModuleObject::childInserted);
+    ModuleObject *a = root.append(this, "a");
+    ModuleObject *b = root.append(this, "b");
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(spy.at(1).at(0).value<ModuleObject *>(), b);
+    QCOMPARE(spy.at(1).at(1).toInt(), 1);
+    QCOMPARE(spy.at(1).at(2).value<QObject *>(), this);
+    QCOMPARE(a->pmobj(), &root);
+    QCOMPARE(root.c("b"), b);
+}
+
+void TestModuleObject::insertNotifiesAndReindexes()
+{
+    ModuleObject root;
+    ModuleObject *a = root.append(nullptr, "a");
+    ModuleObject *b = root.append(nullptr, "b");
+    QSignalSpy spy(&root, &ModuleObject::childInserted);
+    auto *front = new ModuleObject("front");
+    QCOMPARE(root.insert(this, 0, front), front);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(1).toInt(), 0);
+    QCOMPARE(root.cmobjNames(), (QStringList{"front", "a", "b"}));
+    QCOMPARE(front->indexInPmobj(), 0);
+    QCOMPARE(a->indexInPmobj(), 1);
+    QCOMPARE(b->indexInPmobj(), 2);
+
+    auto *tail = new ModuleObject("tail");
+    root.insert(this, 99, tail);
+    QCOMPARE(tail->indexInPmobj(), 3);
+    auto *head = new ModuleObject("head");
+    root.insert(this, -5, head);
+    QCOMPARE(head->indexInPmobj(), 0);
+}
+
+void TestModuleObject::takeNotifiesAndHandsOver()
+{
+    ModuleObject root;
+    root.append(nullptr, "a");
+    ModuleObject *b = root.append(nullptr, "b");
+    ModuleObject *c = root.append(nullptr, "c");
+    QSignalSpy spy(&root, &ModuleObject::childRemoved);
+
+    std::unique_ptr<ModuleObject> taken(root.take(this, b));
+    QCOMPARE(taken.get(), b);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toString(), QStringLiteral("b"));
+    QCOMPARE(spy.at(0).at(1).toInt(), 1);
+    QCOMPARE(spy.at(0).at(2).value<QObject *>(), this);
+    QVERIFY(b->pmobj()->isEmpty());
+    QCOMPARE(b->indexInPmobj(), -1);
+    QCOMPARE(c->indexInPmobj(), 1);
+    QVERIFY(root.c("b")->isEmpty());
+
+    QCOMPARE(root.take(this, b), nullptr);
+    QCOMPARE(root.take(this, 7), nullptr);
+    std::unique_ptr<ModuleObject> first(root.take(this, 0));
+    QCOMPARE(first->name(), QStringLiteral("a"));
+    QCOMPARE(root.cmobjNames(), QStringList{"c"});
+}
+
+void TestModuleObject::removeNotifiesAndDestroys()
+{
+    ModuleObject root;
+    ModuleObject *a = root.append(nullptr, "a");
+    root.append(nullptr, "b");
+    QSignalSpy removed(&root, &ModuleObject::childRemoved);
+    QSignalSpy destroyed(a, &QObject::destroyed);
+    QVERIFY(root.remove(this, a));
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(0).toString(), QStringLiteral("a"));
+    QCOMPARE(removed.at(0).at(2).value<QObject *>(), this);
+    QCOMPARE(destroyed.count(), 1);
+    QVERIFY(root.remove(this, 0));
+    QCOMPARE(root.cmobjCount(), 0);
+    QVERIFY(!root.remove(this, 0));
+    ModuleObject stranger;
+    QVERIFY(!root.remove(this, &stranger));
+}
+
+void TestModuleObject::clearNotifiesOnce()
+{
+    ModuleObject root;
+    root.set(nullptr, "a.b", 1);
+    root.set(nullptr, "c", 2);
+    root.setValue(nullptr, "kept");
+    QSignalSpy cleared(&root, &ModuleObject::cleared);
+    QSignalSpy destroyed(root.c("a"), &QObject::destroyed);
+    root.clear(this);
+    QCOMPARE(cleared.count(), 1);
+    QCOMPARE(cleared.at(0).at(0).value<QObject *>(), this);
+    QCOMPARE(destroyed.count(), 1);
+    QCOMPARE(root.cmobjCount(), 0);
+    QCOMPARE(root.getString(), QStringLiteral("kept"));
+
+    root.clear(this);
+    QCOMPARE(cleared.count(), 1);
+
+    root.set(nullptr, "x", 1);
+    root.clear(this, false);
+    QCOMPARE(cleared.count(), 1);
+    QCOMPARE(root.cmobjCount(), 0);
+}
+
+void TestModuleObject::clearRecursiveNotifiesDescendants()
+{
+    ModuleObject root;
+    root.set(nullptr, "a.b.c", 1);
+    QSignalSpy top(&root, &ModuleObject::cleared);
+    QSignalSpy mid(root.r("a"), &ModuleObject::cleared);
+    QSignalSpy low(root.r("a.b"), &ModuleObject::cleared);
+    root.clear(this, true, true);
+    QCOMPARE(top.count(), 1);
+    QCOMPARE(mid.count(), 1);
+    QCOMPARE(low.count(), 1);
+    QCOMPARE(low.at(0).at(0).value<QObject *>(), this);
+}
+
+void TestModuleObject::setCreatingPathNotifiesEachLevel()
+{
+    ModuleObject root;
+    root.set(nullptr, "a", QVariant());
+    QSignalSpy rootSpy(&root, &ModuleObject::childInserted);
+    QSignalSpy aSpy(root.r("a"), &ModuleObject::childInserted);
+    root.set(this, "a.#1.x", 1);
+    QCOMPARE(rootSpy.count(), 0);
+    QCOMPARE(aSpy.count(), 2);
+    QCOMPARE(aSpy.at(0).at(0).value<ModuleObject *>()->name(), QStringLiteral("#0"));
+    QCOMPARE(aSpy.at(1).at(0).value<ModuleObject *>()->name(), QStringLiteral("#1"));
+    QCOMPARE(aSpy.at(1).at(2).value<QObject *>(), this);
+}
+
+void TestModuleObject::deletingChildDetachesIt()
+{
+    ModuleObject root;
+    ModuleObject *a = root.append(nullptr, "a");
+    ModuleObject *b = root.append(nullptr, "b");
+    QSignalSpy removed(&root, &ModuleObject::childRemoved);
+    delete a;
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(0).toString(), QStringLiteral("a"));
+    QCOMPARE(root.cmobjCount(), 1);
+    QCOMPARE(root.c(0), b);
+    QCOMPARE(b->indexInPmobj(), 0);
+}
+
+void TestModuleObject::appendMovesFromFormerParent()
+{
+    ModuleObject from;
+    ModuleObject to;
+    ModuleObject *moved = from.append(nullptr, "m");
+    moved->setValue(nullptr, 3);
+    QSignalSpy removed(&from, &ModuleObject::childRemoved);
+    QSignalSpy inserted(&to, &ModuleObject::childInserted);
+    QCOMPARE(to.append(this, moved), moved);
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(from.cmobjCount(), 0);
+    QCOMPARE(moved->pmobj(), &to);
+    QCOMPARE(to.r("m")->getInt(), 3);
+
+    // Moving within the same parent puts the node at the end.
+    to.append(nullptr, "n");
+    to.append(this, moved);
+    QCOMPARE(to.cmobjNames(), (QStringList{"n", "m"}));
+}
+
+void TestModuleObject::insertRefusesCycle()
+{
+    ModuleObject root;
+    ModuleObject *a = root.append(nullptr, "a");
+    ModuleObject *b = a->append(nullptr, "b");
+    QVERIFY(b->append(this, a)->isEmpty());
+    QVERIFY(a->append(this, a)->isEmpty());
+    QCOMPARE(a->pmobj(), &root);
+    QCOMPARE(b->pmobj(), a);
+}
+
+void TestModuleObject::deepCopyIsIndependent()
+{
+    ModuleObject source("src");
+    source.set(nullptr, "pose.trans.#0", 1.5);
+    source.set(nullptr, "pose.trans.#1", -0.0);
+    source.set(nullptr, "name", "P1");
+    source.setValue(nullptr, 7);
+
+    ModuleObject copy("copy");
+    QSignalSpy inserted(&copy, &ModuleObject::childInserted);
+    QSignalSpy changed(&copy, &ModuleObject::changed);
+    copy.copyFrom(this, &source);
+    QVERIFY(copy.equals(&source));
+    QCOMPARE(inserted.count(), 2);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(2).value<QObject *>(), this);
+    QVERIFY(sameBits(copy.r("pose.trans.#1")->getDouble(), -0.0));
+
+    source.set(nullptr, "pose.trans.#0", 99.0);
+    source.r("name")->setValue(nullptr, "changed");
+    source.append(nullptr, "extra");
+    QCOMPARE(copy.r("pose.trans.#0")->getDouble(), 1.5);
+    QCOMPARE(copy.r("name")->getString(), QStringLiteral("P1"));
+    QVERIFY(!copy.hasCmobj("extra"));
+    QVERIFY(!copy.equals(&source));
+    QVERIFY(copy.r("pose") != source.r("pose"));
+}
+
+void TestModuleObject::copyFromKeepsOwnName()
+{
+    ModuleObject source("src");
+    source.set(nullptr, "x", 1);
+    ModuleObject target("target");
+    target.copyFrom(nullptr, &source);
+    QCOMPARE(target.name(), QStringLiteral("target"));
+    target.copyFrom(nullptr, &source, true, true);
+    QCOMPARE(target.name(), QStringLiteral("src"));
+}
+
+void TestModuleObject::copyFromDescendant()
+{
+    ModuleObject root;
+    root.set(nullptr, "inner.value", 5);
+    root.set(nullptr, "other", 1);
+    root.copyFrom(nullptr, root.r("inner"));
+    QCOMPARE(root.cmobjNames(), QStringList{"value"});
+    QCOMPARE(root.r("value")->getInt(), 5);
+}
+
+void TestModuleObject::copyFromEmptyClears()
+{
+    ModuleObject node;
+    node.set(nullptr, "a.b", 1);
+    node.setValue(nullptr, 2);
+    node.copyFrom(nullptr, ModuleManager::emptyMobj());
+    QVERIFY(node.isNull());
+    node.set(nullptr, "c", 1);
+    node.copyFrom(nullptr, nullptr);
+    QVERIFY(node.isNull());
+}
+
+void TestModuleObject::ancestorsAndIndex()
+{
+    ModuleObject root("root");
+    root.set(nullptr, "pallet.toolset.tool", 1);
+    ModuleObject *tool = root.r("pallet.toolset.tool");
+    QCOMPARE(tool->p(0), root.r("pallet.toolset"));
+    QCOMPARE(tool->pmobj(), root.r("pallet.toolset"));
+    QCOMPARE(tool->p(1), root.r("pallet"));
+    QCOMPARE(tool->p(2), &root);
+    QVERIFY(tool->p(3)->isEmpty());
+    QVERIFY(tool->p(10)->isEmpty());
+    QCOMPARE(root.r("pallet")->indexInPmobj(), 0);
+    QCOMPARE(root.indexInPmobj(), -1);
+    root.set(nullptr, "b", 1);
+    QCOMPARE(root.r("b")->indexInPmobj(), 1);
+}
+
+void TestModuleObject::isNullAndIsEmpty_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("isNull");
+    QTest::addColumn<bool>("isEmpty");
+
+    QTest::newRow("never filled") << "blank" << true << false;
+    QTest::newRow("with value") << "valued" << false << false;
+    QTest::newRow("with children only") << "parent" << false << false;
+    QTest::newRow("empty string value") << "emptytext" << false << false;
+    QTest::newRow("missing node") << "missing" << true << true;
+}
+
+void TestModuleObject::isNullAndIsEmpty()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, isNull);
+    QFETCH(bool, isEmpty);
+
+    ModuleObject root;
+    root.append(nullptr, "blank");
+    root.set(nullptr, "valued", 0);
+    root.set(nullptr, "parent.child", QVariant());
+    root.set(nullptr, "emptytext", QString(""));
+    QCOMPARE(root.r(path)->isNull(), isNull);
+    QCOMPARE(root.r(path)->isEmpty(), isEmpty);
+}
+
+void TestModuleObject::arrayLookupStaysCorrectAfterEdits()
+{
+    ModuleObject arr;
+    for (int i = 0; i < 20; ++i)
+        arr.set(nullptr, QStringLiteral("#%1").arg(i), i);
+    QVERIFY(arr.remove(nullptr, 3));
+    // "#4" now sits at position 3: it must still be found by its name, and "#3" not at all.
+    QCOMPARE(arr.r("#4")->getInt(), 4);
+    QVERIFY(arr.r("#3")->isEmpty());
+    QCOMPARE(arr.r("#19")->getInt(), 19);
+    QVERIFY(!arr.isArray());
+
+    auto *odd = new ModuleObject("#3");
+    odd->setValue(nullptr, 333);
+    arr.insert(nullptr, 0, odd);
+    QCOMPARE(arr.r("#3")->getInt(), 333);
+    QCOMPARE(arr.r("#0")->getInt(), 0);
+}
+
+void TestModuleObject::largeArrayLookup()
+{
+    ModuleObject root;
+    for (int i = 0; i < 1200; ++i)
+        root.set(nullptr, QStringLiteral("points.#%1.wobj.trans.#0").arg(i), double(i));
+    ModuleObject *points = root.r("points");
+    QCOMPARE(points->size(), 1200);
+    QVERIFY(points->isArray());
+    for (int i = 0; i < 1200; i += 37)
+        QCOMPARE(root.r(QStringLiteral("points.#%1.wobj.trans.#0").arg(i))->getDouble(), double(i));
+    QCOMPARE(points->c(1199)->indexInPmobj(), 1199);
+    QVERIFY(root.r("points.#1200")->isEmpty());
+}
+
+void TestModuleObject::duplicateNamesFirstWins()
+{
+    ModuleObject root;
+    for (int i = 0; i < 12; ++i)
+        root.append(nullptr, QStringLiteral("n%1").arg(i))->setValue(nullptr, i);
+    root.append(nullptr, "n3")->setValue(nullptr, 100);
+    QCOMPARE(root.r("n3")->getInt(), 3);
+    QVERIFY(root.remove(nullptr, 3));
+    QCOMPARE(root.r("n3")->getInt(), 100);
+}
+
+void TestModuleObject::renameUpdatesLookup()
+{
+    ModuleObject root;
+    for (int i = 0; i < 12; ++i)
+        root.append(nullptr, QStringLiteral("n%1").arg(i));
+    ModuleObject *n5 = root.r("n5");
+    n5->setName("five");
+    QVERIFY(root.r("n5")->isEmpty());
+    QCOMPARE(root.r("five"), n5);
+}
+
+void TestModuleObject::childListsAndNames()
+{
+    ModuleObject root;
+    root.set(nullptr, "a.x", 1);
+    root.set(nullptr, "b", 2);
+    QCOMPARE(root.cmobjNames(), (QStringList{"a", "b"}));
+    QCOMPARE(root.cmobjNames(true), (QStringList{"a", "a.x", "b"}));
+    const QList<ModuleObject *> all = root.cmobjs(true);
+    QCOMPARE(all.size(), 3);
+    QCOMPARE(all.at(1), root.r("a.x"));
+    QCOMPARE(root.cmobjs().size(), 2);
+    QCOMPARE(root.cmobjCount(), 2);
+    QCOMPARE(root.cmobj(1), root.r("b"));
+    QCOMPARE(root.cmobj("a"), root.r("a"));
+    QVERIFY(root.hasCmobj("a"));
+    QVERIFY(!root.hasCmobj("z"));
+    QVERIFY(root.hasCmobj("z", true));
+    QCOMPARE(root.cmobjCount(), 3);
+    QCOMPARE(root.c("w", true)->name(), QStringLiteral("w"));
+    QCOMPARE(root.rmobj("a.x")->getInt(), 1);
+}
+
+void TestModuleObject::isArray_data()
+{
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<bool>("isArray");
+    QTest::newRow("dense") << QStringList{"#0", "#1", "#2"} << true;
+    QTest::newRow("gap") << QStringList{"#0", "#2"} << false;
+    QTest::newRow("wrong order") << QStringList{"#1", "#0"} << false;
+    QTest::newRow("named") << QStringList{"#0", "x"} << false;
+    QTest::newRow("leading zero") << QStringList{"#00"} << false;
+    QTest::newRow("no children") << QStringList{} << false;
+}
+
+void TestModuleObject::isArray()
+{
+    QFETCH(QStringList, names);
+    QFETCH(bool, isArray);
+    ModuleObject node;
+    for (const QString &n : names)
+        node.append(nullptr, n);
+    QCOMPARE(node.isArray(), isArray);
+}
+
+void TestModuleObject::importFromVariant_data()
+{
+    QTest::addColumn<QVariant>("input");
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QVariant>("ownValue");
+
+    QTest::newRow("map") << QVariant(QVariantMap{{"b", 1}, {"a", QVariantList{1.5, 2.5}}})
+                         << QStringList{"a", "a.#0", "a.#1", "b"} << QVariant();
+    QTest::newRow("list") << QVariant(QVariantList{"x", QVariantMap{{"k", true}}})
+                          << QStringList{"#0", "#1", "#1.k"} << QVariant();
+    QTest::newRow("scalar") << QVariant(3.25) << QStringList{} << QVariant(3.25);
+    QTest::newRow("map with value") << QVariant(QVariantMap{{"@value", 4}, {"c", 1}}) << QStringList{"c"}
+                                    << QVariant(4);
+}
+
+void TestModuleObject::importFromVariant()
+{
+    QFETCH(QVariant, input);
+    QFETCH(QStringList, names);
+    QFETCH(QVariant, ownValue);
+
+    ModuleObject node;
+    node.set(nullptr, "old", 1);
+    QSignalSpy cleared(&node, &ModuleObject::cleared);
+    node.importFromVariant(this, input);
+    QCOMPARE(cleared.count(), 1);
+    QCOMPARE(node.cmobjNames(true), names);
+    QCOMPARE(node.value(), ownValue);
+}
+
+void TestModuleObject::importFromVariantMerge()
+{
+    ModuleObject node;
+    node.set(nullptr, "keep", 1);
+    node.set(nullptr, "b", 1);
+    node.setValue(nullptr, "own");
+    node.importFromVariant(this, QVariantMap{{"b", 2}, {"c", 3}, {"@value", "new"}}, true, false, true);
+    QCOMPARE(node.cmobjNames(), (QStringList{"keep", "b", "c"}));
+    QCOMPARE(node.r("b")->getInt(), 2);
+    QCOMPARE(node.getString(), QStringLiteral("own"));
+}
+
+void TestModuleObject::exportToVariantRoundTrip()
+{
+    ModuleObject node;
+    node.set(nullptr, "trans.#0", 1.0);
+    node.set(nullptr, "trans.#1", 2);
+    node.set(nullptr, "name", "n");
+    const QVariant v = node.exportToVariant();
+    QCOMPARE(v.userType(), int(QMetaType::QVariantMap));
+    QCOMPARE(v.toMap().value("trans").userType(), int(QMetaType::QVariantList));
+    ModuleObject back;
+    back.importFromVariant(nullptr, v);
+    QCOMPARE(back.r("trans.#0")->value().userType(), int(QMetaType::Double));
+    QCOMPARE(back.r("trans.#1")->value().userType(), int(QMetaType::Int));
+    QCOMPARE(back.r("name")->getString(), QStringLiteral("n"));
+}
+
+void TestModuleObject::equalsComparesDoublesBitwise()
+{
+    ModuleObject a;
+    ModuleObject b;
+    a.set(nullptr, "x", 0.0);
+    b.set(nullptr, "x", -0.0);
+    QVERIFY(!a.equals(&b));
+    b.set(nullptr, "x", 0.0);
+    QVERIFY(a.equals(&b));
+    b.set(nullptr, "x", 0);
+    QVERIFY(!a.equals(&b));
+    QVERIFY(!a.equals(nullptr));
+}
+
+void TestModuleObject::globalLookupAndReset()
+{
+    QCOMPARE(orba::m(), ModuleManager::root());
+    orba::m()->set(nullptr, "tpallet.pallets.#0.name", "first");
+    QCOMPARE(orba::m("tpallet.pallets.#0.name")->getString(), QStringLiteral("first"));
+    ModuleObject other;
+    other.set(nullptr, "tpallet.x", 1);
+    QCOMPARE(orba::m("tpallet.x", &other)->getInt(), 1);
+    QVERIFY(orba::m("tpallet.x")->isEmpty());
+    QPointer<ModuleObject> pallets = orba::m("tpallet.pallets");
+    ModuleManager::resetRoot();
+    QVERIFY(pallets.isNull());
+    QVERIFY(orba::m("tpallet")->isEmpty());
+}
+
+void TestModuleObject::metatypeIsRegistered()
+{
+    QVERIFY(QMetaType::type("orba::ModuleObject*") != QMetaType::UnknownType);
+    ModuleObject node;
+    const QVariant v = QVariant::fromValue(&node);
+    QCOMPARE(v.value<ModuleObject *>(), &node);
+}
+
+void TestModuleObject::childrenDestroyedWithParent()
+{
+    auto *parent = new ModuleObject("p");
+    ModuleObject *child = parent->append(nullptr, "c");
+    ModuleObject *grandChild = child->append(nullptr, "g");
+    QSignalSpy childGone(child, &QObject::destroyed);
+    QSignalSpy grandGone(grandChild, &QObject::destroyed);
+    delete parent;
+    QCOMPARE(childGone.count(), 1);
+    QCOMPARE(grandGone.count(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestModuleObject)
+#include "tst_moduleobject.moc"
