@@ -71,6 +71,7 @@ private slots:
     void bindMobjJsonRejectsBadFiles();
     void centerWidgetAddsAndShowsPages();
     void centerWidgetForgetsDestroyedPages();
+    void centerWidgetDeletedWithItsPages();
 };
 
 void TestBModule::factoryCreatesRegisteredModules()
@@ -261,6 +262,19 @@ void TestBModule::centerWidgetForgetsDestroyedPages()
     auto *again = new QLabel(QStringLiteral("again"));
     QVERIFY(dwel::CenterWidget::addPage(&module, QStringLiteral("tst.temp"), again));
     delete again;
+}
+
+void TestBModule::centerWidgetDeletedWithItsPages()
+{
+    QPointer<dwel::CenterWidget> shared = dwel::CenterWidget::instance();
+    dwel::BModule module;
+    QPointer<QLabel> listed = new QLabel(QStringLiteral("listed"));
+    QVERIFY(dwel::CenterWidget::addPage(&module, QStringLiteral("tst.listed"), listed));
+    // Its pages are children: they go with it, and their bookkeeping must not outlive it.
+    delete shared.data();
+    QVERIFY(listed.isNull());
+    QVERIFY(dwel::CenterWidget::instance() != nullptr);
+    QVERIFY(!dwel::CenterWidget::instance()->hasPage(QStringLiteral("tst.listed")));
 }
 
 QTEST_MAIN(TestBModule)

@@ -22,7 +22,13 @@ CenterWidget::CenterWidget(QWidget *parent) : QStackedWidget(parent)
         sharedContainer() = this;
 }
 
-CenterWidget::~CenterWidget() = default;
+CenterWidget::~CenterWidget()
+{
+    // The pages are deleted as children after this body, when m_pages is already gone: drop their
+    // bookkeeping connections first.
+    for (QWidget *w : qAsConst(m_pages))
+        disconnect(w, &QObject::destroyed, this, nullptr);
+}
 
 bool CenterWidget::addPage(BModule *module, const QString &name, QWidget *widget)
 {

@@ -90,7 +90,7 @@ void TService::setTransport(orbat::Transport *transport)
             const QVariantMap map = v.toMap();
             if (!ok || v.userType() != QMetaType::QVariantMap || map.value(QStringLiteral("event")).userType() != QMetaType::QString) {
                 orba::FLog(logTag('E'), QStringLiteral("./log/%1"), QStringLiteral("tservice"), QStringLiteral("log"))
-                    << "ignored malformed event line:" << line.left(200);
+                    << "ignored malformed event line: " << line.left(200);
                 return;
             }
             const QString name = map.value(QStringLiteral("event")).toString();
@@ -270,7 +270,7 @@ orba::MobjPtr send(orbat::Transport *transport, qint64 id, const Call &call, int
     orba::MobjPtr reply = roundTrip(transport, id, line, timeoutMs, status);
     if (*status <= TService::StatusNoLink && *status >= TService::StatusError) {
         orba::FLog(logTag('E'), QStringLiteral("./log/%1"), QStringLiteral("tservice"), QStringLiteral("log"))
-            << QString::fromLatin1(call.op) << call.method << "failed:" << *status
+            << QString::fromLatin1(call.op) << " " << call.method << " failed: " << *status << " "
             << reply->r(QStringLiteral("error.message"))->getString();
     }
     return reply;

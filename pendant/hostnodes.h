@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+namespace orba {
+class ModuleObject;
+}
+
+/*
+ * The host nodes the shell fills in place of the pendant's other host modules: the operator's
+ * user level, the tool page selection, the project's tool and work-object lists (read from the
+ * controller on every connection), the global tool and work-object settings, and the remembered
+ * import/export directories (kept in the settings).
+ */
+class HostNodes : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit HostNodes(QObject *parent = nullptr);
+    ~HostNodes() override;
+
+    // Creates the nodes with their start values.
+    void create(int level);
+    void setLevel(int level);
+    static int level();
+
+    // Reloads the project's tool and work-object lists from the controller. False when the
+    // controller did not answer (the lists are then left as they were).
+    bool refreshProject();
+
+    static QString systemToolName() { return QStringLiteral("tool0"); }
+    static QString systemWobjName() { return QStringLiteral("wobj0"); }
+
+private:
+    bool loadList(const QString &command, const QString &systemName, const QString &node);
+    void rememberPath(const QString &which);
+
+    QPointer<orba::ModuleObject> m_import;
+    QPointer<orba::ModuleObject> m_export;
+};

@@ -1,0 +1,144 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN">
+<context>
+    <name>NewPalletDialog</name>
+    <message>
+        <source>Pallet</source>
+        <translation>托盘</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Desc</source>
+        <translation>描述</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Clone</source>
+        <translation>克隆</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Tray name is empty!</source>
+        <translation>托盘名称为空！</translation>
+    </message>
+    <message>
+        <source>Tray name length is be greater than 32!</source>
+        <translation>托盘名称长度不能大于32！</translation>
+    </message>
+    <message>
+        <source>Tray name is repeated!</source>
+        <translation>托盘名称重复！</translation>
+    </message>
+    <message>
+        <source>Total wobj number can not be greater than %1!</source>
+        <translation>工件总数不能大于%1！</translation>
+    </message>
+</context>
+<context>
+    <name>PalletPage</name>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>总数</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Desc</source>
+        <translation>描述</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>导入</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>导出</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>添加</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>编辑</translation>
+    </message>
+    <message>
+        <source>Configure</source>
+        <translation>配置</translation>
+    </message>
+    <message>
+        <source>Point Check</source>
+        <translation>点位检查</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Tray</source>
+        <translation>码垛</translation>
+    </message>
+    <message>
+        <source>Acquiring pallet data...</source>
+        <translation>正在获取托盘数据...</translation>
+    </message>
+    <message>
+        <source>Please select a pallet!</source>
+        <translation>请选择一个托盘！</translation>
+    </message>
+    <message>
+        <source>Are you sure to delete %1</source>
+        <translation>确定删除%1吗？</translation>
+    </message>
+</context>
+<context>
+    <name>TPallet</name>
+    <message>
+        <source>Tray</source>
+        <translation>码垛</translation>
+    </message>
+    <message>
+        <source>pallet</source>
+        <translation>托盘</translation>
+    </message>
+</context>
+<context>
+    <name>tpallet</name>
+    <message>
+        <source>The way points have regenerated!</source>
+        <translation>路径点已重新生成！</translation>
+    </message>
+    <message>
+        <source>The pallet's width or height is too small, it may not be calibrated!</source>
+        <translation>托盘的宽度或高度过小，可能未标定！</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,144 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja_JP">
+<context>
+    <name>NewPalletDialog</name>
+    <message>
+        <source>Pallet</source>
+        <translation>パレット</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Desc</source>
+        <translation>説明</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Clone</source>
+        <translation>複製</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Tray name is empty!</source>
+        <translation>パレット名が空です！</translation>
+    </message>
+    <message>
+        <source>Tray name length is be greater than 32!</source>
+        <translation>パレット名は32文字を超えられません！</translation>
+    </message>
+    <message>
+        <source>Tray name is repeated!</source>
+        <translation>パレット名が重複しています！</translation>
+    </message>
+    <message>
+        <source>Total wobj number can not be greater than %1!</source>
+        <translation>ワーク総数は%1を超えられません！</translation>
+    </message>
+</context>
+<context>
+    <name>PalletPage</name>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>総数</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Desc</source>
+        <translation>説明</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>インポート</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>エクスポート</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>追加</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編集</translation>
+    </message>
+    <message>
+        <source>Configure</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>Point Check</source>
+        <translation>ポイント確認</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Tray</source>
+        <translation>パレタイズ</translation>
+    </message>
+    <message>
+        <source>Acquiring pallet data...</source>
+        <translation>パレットデータを取得中...</translation>
+    </message>
+    <message>
+        <source>Please select a pallet!</source>
+        <translation>パレットを選択してください！</translation>
+    </message>
+    <message>
+        <source>Are you sure to delete %1</source>
+        <translation>%1を削除しますか？</translation>
+    </message>
+</context>
+<context>
+    <name>TPallet</name>
+    <message>
+        <source>Tray</source>
+        <translation>パレタイズ</translation>
+    </message>
+    <message>
+        <source>pallet</source>
+        <translation>パレット</translation>
+    </message>
+</context>
+<context>
+    <name>tpallet</name>
+    <message>
+        <source>The way points have regenerated!</source>
+        <translation>経由点を再生成しました！</translation>
+    </message>
+    <message>
+        <source>The pallet's width or height is too small, it may not be calibrated!</source>
+        <translation>パレットの幅または高さが小さすぎます。キャリブレーションされていない可能性があります！</translation>
+    </message>
+</context>
+</TS>
