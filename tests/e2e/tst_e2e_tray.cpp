@@ -1,0 +1,261 @@
+#include "pendanttestutil.h"
+#include "mainwindow.h"
+#include "shell.h"
+
+#include <orba/moduleobject.h>
+#include <orbat/tservice.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QLineEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSpinBox>
+#include <QTableWidget>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+
+QDialog *openDialog(const QString &objectName)
+{
+    for (QWidget *w : QApplication::topLevelWidgets()) {
+        auto *dialog = qobject_cast<QDialog *>(w);
+        if (dialog && dialog->objectName() == objectName && dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+quint16 startRcsim(QProcess *process, const QString &dataDir)
+{
+    process->start(QStringLiteral(RCSIM_BIN), {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0"),
+                                               QStringLiteral("--data"), dataDir});
+    if (!process->waitForStarted(5000))
+        return 0;
+    QElapsedTimer timer;
+    timer.start();
+    QByteArray out;
+    while (!out.contains('\n') && timer.elapsed() < 5000) {
+        process->waitForReadyRead(100);
+        out += process->readAllStandardOutput();
+    }
+    const QRegularExpressionMatch m =
+        QRegularExpression(QStringLiteral("listening on [^:]+:(\\d+)")).match(QString::fromLatin1(out));
+    return m.hasMatch() ? quint16(m.captured(1).toUInt()) : 0;
+}
+
+} // namespace
+
+class TestE2eTray : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void addedPalletSurvivesRestartOfPendantAndController();
+    void addedPalletSurvivesRcsimRestart();
+    void editRenamesAndResizes();
+    void deleteAsksAndRemovesFromController();
+
+private:
+    ShellOptions options() const;
+    QTableWidget *table(Shell &shell) const;
+    bool startShell(Shell &shell);
+    void addPallet(Shell &shell, const QString &name, int rows, int cols);
+    std::unique_ptr<QTemporaryDir> m_data;
+};
+
+void TestE2eTray::init()
+{
+    resetHost();
+    m_data = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_data->isValid());
+}
+
+void TestE2eTray::cleanup()
+{
+    m_data.reset();
+}
+
+ShellOptions TestE2eTray::options() const
+{
+    ShellOptions o;
+    o.modulesDir = QStringLiteral(TPALLET_MODULE_DIR);
+    o.dataDir = m_data->filePath(QStringLiteral("controller"));
+    o.level = 3;
+    o.page = QStringLiteral("tpallet.page");
+    return o;
+}
+
+QTableWidget *TestE2eTray::table(Shell &shell) const
+{
+    return shell.window()->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+}
+
+bool TestE2eTray::startShell(Shell &shell)
+{
+    resetHost();
+    shell.start();
+    if (!EmbeddedLink::waitConnected(true, 10000))
+        return false;
+    QElapsedTimer timer;
+    timer.start();
+    while (!table(shell) && timer.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    // The page loads the pallet list on the connection; let that settle.
+    QTest::qWait(200);
+    return table(shell) != nullptr;
+}
+
+void TestE2eTray::addPallet(Shell &shell, const QString &name, int rows, int cols)
+{
+    auto *add = shell.window()->findChild<QPushButton *>(QStringLiteral("btnAdd"));
+    QVERIFY(add);
+    QTRY_VERIFY(add->isEnabled());
+    QTest::mouseClick(add, Qt::LeftButton);
+    QDialog *dialog = nullptr;
+    QTRY_VERIFY((dialog = openDialog(QStringLiteral("NewPalletDialog"))) != nullptr);
+
+    auto *edtName = dialog->findChild<QLineEdit *>(QStringLiteral("edtName"));
+    auto *spnRow = dialog->findChild<QSpinBox *>(QStringLiteral("spnRow"));
+    auto *spnCol = dialog->findChild<QSpinBox *>(QStringLiteral("spnCol"));
+    auto *ok = dialog->findChild<QPushButton *>(QStringLiteral("btnOk"));
+    QVERIFY(edtName && spnRow && spnCol && ok);
+    edtName->clear();
+    QTest::keyClicks(edtName, name);
+    spnRow->setValue(rows);
+    spnCol->setValue(cols);
+    QPointer<QDialog> guard = dialog;
+    QTest::mouseClick(ok, Qt::LeftButton);
+    QTRY_VERIFY(guard.isNull() || !guard->isVisible());
+}
+
+void TestE2eTray::addedPalletSurvivesRestartOfPendantAndController()
+{
+    {
+        Shell shell(options());
+        QVERIFY(startShell(shell));
+        QTableWidget *t = table(shell);
+        QCOMPARE(t->rowCount(), 0);
+
+        addPallet(shell, QStringLiteral("e2e_a"), 3, 4);
+        QTRY_COMPARE(t->rowCount(), 1);
+        QCOMPARE(t->item(0, 0)->text(), QStringLiteral("e2e_a"));
+        QCOMPARE(t->item(0, 1)->text(), QStringLiteral("12"));
+
+        // The controller holds the whole pallet, its twelve places included.
+        orba::ModuleObject param(QStringLiteral("param"));
+        param.setValue(nullptr, 0);
+        QCOMPARE(tservice()->execCommandAt(nullptr, QStringLiteral("tray.query.one"), &param), 0);
+        QCOMPARE(param.r(QStringLiteral("data.name"))->getString(), QStringLiteral("e2e_a"));
+        QCOMPARE(param.r(QStringLiteral("data.points"))->size(), 12);
+        QCOMPARE(param.r(QStringLiteral("data.pattern.row"))->getInt(), 3);
+    }
+    // A new pendant, and with it a new embedded controller, on the same data.
+    Shell shell(options());
+    QVERIFY(startShell(shell));
+    QTableWidget *t = table(shell);
+    QTRY_COMPARE(t->rowCount(), 1);
+    QCOMPARE(t->item(0, 0)->text(), QStringLiteral("e2e_a"));
+    QCOMPARE(t->item(0, 1)->text(), QStringLiteral("12"));
+    QCOMPARE(orba::m(QStringLiteral("tpallet.pallets.#0.points"))->size(), 12);
+}
+
+void TestE2eTray::addedPalletSurvivesRcsimRestart()
+{
+    const QString rcData = m_data->filePath(QStringLiteral("rcsim"));
+    QProcess rcsim;
+    quint16 port = startRcsim(&rcsim, rcData);
+    QVERIFY2(port != 0, rcsim.readAllStandardError().constData());
+    {
+        ShellOptions o = options();
+        o.rcHost = QStringLiteral("127.0.0.1");
+        o.rcPort = port;
+        Shell shell(o);
+        QVERIFY(startShell(shell));
+        addPallet(shell, QStringLiteral("tcp_a"), 2, 2);
+        QTRY_COMPARE(table(shell)->rowCount(), 1);
+    }
+    rcsim.kill();
+    rcsim.waitForFinished(5000);
+
+    QProcess again;
+    port = startRcsim(&again, rcData);
+    QVERIFY(port != 0);
+    ShellOptions o = options();
+    o.rcHost = QStringLiteral("127.0.0.1");
+    o.rcPort = port;
+    {
+        Shell shell(o);
+        QVERIFY(startShell(shell));
+        QTableWidget *t = table(shell);
+        QTRY_COMPARE(t->rowCount(), 1);
+        QCOMPARE(t->item(0, 0)->text(), QStringLiteral("tcp_a"));
+        QCOMPARE(t->item(0, 1)->text(), QStringLiteral("4"));
+    }
+    again.kill();
+    again.waitForFinished(5000);
+}
+
+void TestE2eTray::editRenamesAndResizes()
+{
+    Shell shell(options());
+    QVERIFY(startShell(shell));
+    addPallet(shell, QStringLiteral("before"), 2, 2);
+    QTableWidget *t = table(shell);
+    QTRY_COMPARE(t->rowCount(), 1);
+
+    t->selectRow(0);
+    t->setCurrentCell(0, 0);
+    QTest::mouseClick(shell.window()->findChild<QPushButton *>(QStringLiteral("btnEdit")), Qt::LeftButton);
+    QDialog *dialog = nullptr;
+    QTRY_VERIFY((dialog = openDialog(QStringLiteral("NewPalletDialog"))) != nullptr);
+    auto *edtName = dialog->findChild<QLineEdit *>(QStringLiteral("edtName"));
+    QCOMPARE(edtName->text(), QStringLiteral("before"));
+    edtName->clear();
+    QTest::keyClicks(edtName, QStringLiteral("after"));
+    dialog->findChild<QSpinBox *>(QStringLiteral("spnRow"))->setValue(5);
+    QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("btnOk")), Qt::LeftButton);
+
+    QTRY_COMPARE(t->item(0, 0)->text(), QStringLiteral("after"));
+    QCOMPARE(t->item(0, 1)->text(), QStringLiteral("10"));
+
+    orba::ModuleObject param(QStringLiteral("param"));
+    param.setValue(nullptr, 0);
+    QCOMPARE(tservice()->execCommandAt(nullptr, QStringLiteral("tray.query.one"), &param), 0);
+    QCOMPARE(param.r(QStringLiteral("data.name"))->getString(), QStringLiteral("after"));
+    QCOMPARE(param.r(QStringLiteral("data.points"))->size(), 10);
+}
+
+void TestE2eTray::deleteAsksAndRemovesFromController()
+{
+    Shell shell(options());
+    QVERIFY(startShell(shell));
+    addPallet(shell, QStringLiteral("doomed"), 1, 1);
+    addPallet(shell, QStringLiteral("kept"), 1, 2);
+    QTableWidget *t = table(shell);
+    QTRY_COMPARE(t->rowCount(), 2);
+
+    t->setCurrentCell(0, 0);
+    tcore::ManagerHelper::instance()->clearMsgHistory();
+    tcore::ManagerHelper::instance()->queueMsgAnswer(true);
+    QTest::mouseClick(shell.window()->findChild<QPushButton *>(QStringLiteral("btnDel")), Qt::LeftButton);
+    QTRY_COMPARE(t->rowCount(), 1);
+    const auto asked = tcore::ManagerHelper::instance()->msgHistory();
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked.first().kind, QStringLiteral("q"));
+    QVERIFY(asked.first().text.contains(QStringLiteral("doomed")));
+    QCOMPARE(t->item(0, 0)->text(), QStringLiteral("kept"));
+
+    orba::MobjPtr list = tservice()->execCommand(nullptr, QStringLiteral("tray.query.list"));
+    QCOMPARE(list->getInt(-1), 0);
+    QCOMPARE(list->r(QStringLiteral("data"))->size(), 1);
+    QCOMPARE(list->r(QStringLiteral("data.#0.name"))->getString(), QStringLiteral("kept"));
+}
+
+QTEST_MAIN(TestE2eTray)
+#include "tst_e2e_tray.moc"
