@@ -58,7 +58,8 @@ test)
 test-asan)
     install_deps
     build "$root/build-asan" -DTPALLET_SANITIZE=ON -DTPALLET_BUILD_BENCH=OFF -DCMAKE_BUILD_TYPE=Debug
-    export ASAN_OPTIONS=detect_leaks=0:abort_on_error=1
+    export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
+    export LSAN_OPTIONS=suppressions=$root/tools/lsan.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
     run_tests "$root/build-asan"
     ;;
