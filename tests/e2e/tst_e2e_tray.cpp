@@ -29,24 +29,6 @@ QDialog *openDialog(const QString &objectName)
     return nullptr;
 }
 
-quint16 startRcsim(QProcess *process, const QString &dataDir)
-{
-    process->start(QStringLiteral(RCSIM_BIN), {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0"),
-                                               QStringLiteral("--data"), dataDir});
-    if (!process->waitForStarted(5000))
-        return 0;
-    QElapsedTimer timer;
-    timer.start();
-    QByteArray out;
-    while (!out.contains('\n') && timer.elapsed() < 5000) {
-        process->waitForReadyRead(100);
-        out += process->readAllStandardOutput();
-    }
-    const QRegularExpressionMatch m =
-        QRegularExpression(QStringLiteral("listening on [^:]+:(\\d+)")).match(QString::fromLatin1(out));
-    return m.hasMatch() ? quint16(m.captured(1).toUInt()) : 0;
-}
-
 } // namespace
 
 class TestE2eTray : public QObject

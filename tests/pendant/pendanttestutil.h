@@ -2,6 +2,7 @@
 
 #include <controller/controller.h>
 #include <orba/modulemanager.h>
+#include <orba/moduleobject.h>
 #include <orbat/controllermanager.h>
 #include <orbat/inprocesstransport.h>
 #include <orbat/tservice.h>
@@ -10,6 +11,9 @@
 
 #include <QElapsedTimer>
 #include <QCoreApplication>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -75,3 +79,33 @@ inline void resetHost()
     tcore::SettingManager::instance()->clear();
     tcore::SettingManager::setStr(QStringLiteral("language"), QStringLiteral("en"));
 }
+
+// The lifecycle steps the test module recorded in "pendanttest.order", in order.
+inline QStringList recordedOrder()
+{
+    QStringList steps;
+    for (orba::ModuleObject *n : orba::m(QStringLiteral("pendanttest.order"))->cmobjs())
+        steps.append(n->getString());
+    return steps;
+}
+
+#ifdef RCSIM_BIN
+// Starts rcsim on 127.0.0.1:port (0: any free port) with a data directory; the bound port, or 0.
+inline quint16 startRcsim(QProcess *process, const QString &dataDir, quint16 port = 0)
+{
+    process->start(QStringLiteral(RCSIM_BIN), {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:%1").arg(port),
+                                               QStringLiteral("--data"), dataDir});
+    if (!process->waitForStarted(5000))
+        return 0;
+    QElapsedTimer timer;
+    timer.start();
+    QByteArray out;
+    while (!out.contains('\n') && timer.elapsed() < 5000) {
+        process->waitForReadyRead(100);
+        out += process->readAllStandardOutput();
+    }
+    const QRegularExpressionMatch m =
+        QRegularExpression(QStringLiteral("listening on [^:]+:(\\d+)")).match(QString::fromLatin1(out));
+    return m.hasMatch() ? quint16(m.captured(1).toUInt()) : 0;
+}
+#endif

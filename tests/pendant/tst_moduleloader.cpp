@@ -10,17 +10,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-namespace {
-
-QStringList recordedOrder()
-{
-    QStringList steps;
-    for (orba::ModuleObject *n : orba::m(QStringLiteral("pendanttest.order"))->cmobjs())
-        steps.append(n->getString());
-    return steps;
-}
-
-} // namespace
 
 class TestModuleLoader : public QObject
 {

@@ -20,14 +20,6 @@
 
 namespace {
 
-QStringList recordedOrder()
-{
-    QStringList steps;
-    for (orba::ModuleObject *n : orba::m(QStringLiteral("pendanttest.order"))->cmobjs())
-        steps.append(n->getString());
-    return steps;
-}
-
 bool logHas(const QString &level, const QString &titlePart)
 {
     for (const QVariantMap &e : tcore::ManagerHelper::instance()->logHistory()) {
@@ -253,27 +245,6 @@ void TestShell::linkLossAndReturn()
     QTRY_COMPARE(orba::m(QStringLiteral("pendanttest.connected"))->getInt(0), connections + 1);
 }
 
-namespace {
-
-// Starts rcsim on `port` (0: any); returns the port it listens on, 0 on failure.
-quint16 startRcsim(QProcess *process, const QString &dataDir, quint16 port)
-{
-    process->start(QStringLiteral(RCSIM_BIN), {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:%1").arg(port),
-                                               QStringLiteral("--data"), dataDir});
-    if (!process->waitForStarted(5000))
-        return 0;
-    QElapsedTimer timer;
-    timer.start();
-    QByteArray out;
-    while (!out.contains('\n') && timer.elapsed() < 5000) {
-        process->waitForReadyRead(100);
-        out += process->readAllStandardOutput();
-    }
-    const QRegularExpressionMatch m = QRegularExpression(QStringLiteral("listening on [^:]+:(\\d+)")).match(QString::fromLatin1(out));
-    return m.hasMatch() ? quint16(m.captured(1).toUInt()) : 0;
-}
-
-} // namespace
 
 void TestShell::tcpLinkLossAndReturn()
 {
