@@ -3,6 +3,7 @@
 #include "module/tpallet.h"
 #include "pages/newpalletdialog.h"
 #include "pages/palletpage.h"
+#include "pages/palletsetdialog.h"
 
 #include <kx/globaluniqueptr.h>
 #include <kx/kx.h>
@@ -12,6 +13,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QImage>
+#include <QLabel>
 #include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -299,24 +301,43 @@ void TstPalletPage::commandsWithoutSelectionWarn()
 void TstPalletPage::configureAndPointCheckPassTheirModes_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("mode");
-    QTest::newRow("configure: full wizard") << "btnCfg" << "mode 0";
-    QTest::newRow("point check") << "btnPointCheck" << "mode 4";
+    QTest::addColumn<int>("level");
+    QTest::addColumn<int>("step");
+    for (int level = 1; level <= 4; ++level) {
+        // Below level 2 the buttons are disabled: nothing opens.
+        const bool opens = level >= 2;
+        QTest::newRow(qPrintable(QStringLiteral("configure at level %1").arg(level))) << "btnCfg" << level << (opens ? 0 : -1);
+        QTest::newRow(qPrintable(QStringLiteral("point check at level %1").arg(level)))
+            << "btnPointCheck" << level << (opens ? 4 : -1);
+    }
 }
 
 void TstPalletPage::configureAndPointCheckPassTheirModes()
 {
     QFETCH(QString, name);
-    QFETCH(QString, mode);
+    QFETCH(int, level);
+    QFETCH(int, step);
     m_fx.connectController();
     PalletFixture::addLocalPallet(QStringLiteral("a"), 1, 1);
+    PalletFixture::addLocalPallet(QStringLiteral("b"), 2, 2);
     refresh();
-    table()->setCurrentCell(0, 0);
-    setLevel(2);
+    table()->setCurrentCell(1, 0);
+    setLevel(level);
     QTest::mouseClick(button(name), Qt::LeftButton);
     QVERIFY(tcore::ManagerHelper::instance()->msgHistory().isEmpty());
-    QVERIFY(m_fx.logMessages().last().contains(mode));
-    QVERIFY(m_fx.logMessages().last().contains(QLatin1String("\"a\"")));
+    auto *dialog = qobject_cast<PalletSetDialog *>(kx::uniqueObject(QStringLiteral("tpallet.dialog")));
+    if (step < 0) {
+        QVERIFY(!dialog);
+        return;
+    }
+    QVERIFY(dialog);
+    QPointer<PalletSetDialog> guard(dialog);
+    QVERIFY(dialog->isVisible());
+    QVERIFY(!dialog->isModal());
+    QCOMPARE(dialog->currentStep(), step);
+    QCOMPARE(dialog->findChild<QLabel *>(QStringLiteral("lblPallet"))->text(), QStringLiteral("Current Pallet: b"));
+    QCOMPARE(dialog->findChild<QPushButton *>(QStringLiteral("btnConfirm"))->isVisibleTo(dialog), step == 4);
+    delete guard.data();
 }
 
 void TstPalletPage::deleteAsksAndDeclinedSendsNothing()

@@ -5,6 +5,7 @@
 #include "module/registration.h"
 #include "module/tpallet.h"
 #include "pages/newpalletdialog.h"
+#include "pages/palletsetdialog.h"
 
 #include <kx/kx.h>
 #include <orba/creatormanager.h>
@@ -332,9 +333,8 @@ void PalletPage::cfgPallet(int mode)
     orba::ModuleObject *pallet = selectedPallet();
     if (!pallet)
         return;
-    tpallet::logInfo(QStringLiteral("configuration (mode %1) of \"%2\" is not available in this build")
-                         .arg(mode)
-                         .arg(pallet->c(QStringLiteral("name"), false)->getString()));
+    auto *dialog = new PalletSetDialog(pallet, m_widget, mode);
+    dialog->show();
 }
 
 void PalletPage::delPallet()
