@@ -141,4 +141,116 @@
         <translation>托盘的宽度或高度过小，可能未标定！</translation>
     </message>
 </context>
+<context>
+    <name>PalletSetDialog</name>
+    <message>
+        <source>Pallet Setting</source>
+        <translation>托盘设置</translation>
+    </message>
+    <message>
+        <source>Tool</source>
+        <translation>工具</translation>
+    </message>
+    <message>
+        <source>Wobj</source>
+        <translation>工件</translation>
+    </message>
+    <message>
+        <source>Toolset</source>
+        <translation>工具组</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>上一步</translation>
+    </message>
+    <message>
+        <source>Next Step</source>
+        <translation>下一步</translation>
+    </message>
+    <message>
+        <source>Finish</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>确认</translation>
+    </message>
+    <message>
+        <source>Current Pallet: </source>
+        <translation>当前托盘：</translation>
+    </message>
+    <message>
+        <source>Pattern Setting</source>
+        <translation>样式设置</translation>
+    </message>
+    <message>
+        <source>Tool Setting</source>
+        <translation>工具设置</translation>
+    </message>
+    <message>
+        <source>Calibrate Setting</source>
+        <translation>标定设置</translation>
+    </message>
+    <message>
+        <source>Path Point Setting</source>
+        <translation>路径点设置</translation>
+    </message>
+    <message>
+        <source>Path Point Check</source>
+        <translation>路径点检查</translation>
+    </message>
+    <message>
+        <source>Use Project Tool/Wobj</source>
+        <translation>使用工程工具/工件</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWizard</name>
+    <message>
+        <source>Order</source>
+        <translation>顺序</translation>
+    </message>
+    <message>
+        <source>Parallel</source>
+        <translation>平行</translation>
+    </message>
+    <message>
+        <source>S-Type</source>
+        <translation>S型</translation>
+    </message>
+    <message>
+        <source>Ranking</source>
+        <translation>排列方向</translation>
+    </message>
+    <message>
+        <source>Total:</source>
+        <translation>总数：</translation>
+    </message>
+    <message>
+        <source>Tap a corner of the pallet to make it position 1.</source>
+        <translation>点击托盘的一个角，将其设为第1个位置。</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWidget</name>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+</context>
+<context>
+    <name>TWMenu</name>
+    <message>
+        <source>Form</source>
+        <translation>窗体</translation>
+    </message>
+</context>
 </TS>

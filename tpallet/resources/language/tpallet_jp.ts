@@ -141,4 +141,116 @@
         <translation>パレットの幅または高さが小さすぎます。キャリブレーションされていない可能性があります！</translation>
     </message>
 </context>
+<context>
+    <name>PalletSetDialog</name>
+    <message>
+        <source>Pallet Setting</source>
+        <translation>パレット設定</translation>
+    </message>
+    <message>
+        <source>Tool</source>
+        <translation>ツール</translation>
+    </message>
+    <message>
+        <source>Wobj</source>
+        <translation>ワーク</translation>
+    </message>
+    <message>
+        <source>Toolset</source>
+        <translation>ツールセット</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>前へ</translation>
+    </message>
+    <message>
+        <source>Next Step</source>
+        <translation>次へ</translation>
+    </message>
+    <message>
+        <source>Finish</source>
+        <translation>完了</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>確認</translation>
+    </message>
+    <message>
+        <source>Current Pallet: </source>
+        <translation>現在のパレット：</translation>
+    </message>
+    <message>
+        <source>Pattern Setting</source>
+        <translation>パターン設定</translation>
+    </message>
+    <message>
+        <source>Tool Setting</source>
+        <translation>ツール設定</translation>
+    </message>
+    <message>
+        <source>Calibrate Setting</source>
+        <translation>キャリブレーション</translation>
+    </message>
+    <message>
+        <source>Path Point Setting</source>
+        <translation>経路点設定</translation>
+    </message>
+    <message>
+        <source>Path Point Check</source>
+        <translation>経路点チェック</translation>
+    </message>
+    <message>
+        <source>Use Project Tool/Wobj</source>
+        <translation>プロジェクトのツール/ワークを使用</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWizard</name>
+    <message>
+        <source>Order</source>
+        <translation>順序</translation>
+    </message>
+    <message>
+        <source>Parallel</source>
+        <translation>平行</translation>
+    </message>
+    <message>
+        <source>S-Type</source>
+        <translation>S字</translation>
+    </message>
+    <message>
+        <source>Ranking</source>
+        <translation>並び方向</translation>
+    </message>
+    <message>
+        <source>Total:</source>
+        <translation>合計：</translation>
+    </message>
+    <message>
+        <source>Tap a corner of the pallet to make it position 1.</source>
+        <translation>パレットの角をタップすると、そこが1番目の位置になります。</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWidget</name>
+    <message>
+        <source>Column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>行</translation>
+    </message>
+</context>
+<context>
+    <name>TWMenu</name>
+    <message>
+        <source>Form</source>
+        <translation>フォーム</translation>
+    </message>
+</context>
 </TS>

@@ -141,4 +141,116 @@
         <translation>팔레트의 너비 또는 높이가 너무 작습니다. 보정되지 않았을 수 있습니다!</translation>
     </message>
 </context>
+<context>
+    <name>PalletSetDialog</name>
+    <message>
+        <source>Pallet Setting</source>
+        <translation>팔레트 설정</translation>
+    </message>
+    <message>
+        <source>Tool</source>
+        <translation>공구</translation>
+    </message>
+    <message>
+        <source>Wobj</source>
+        <translation>공작물</translation>
+    </message>
+    <message>
+        <source>Toolset</source>
+        <translation>툴셋</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>이전</translation>
+    </message>
+    <message>
+        <source>Next Step</source>
+        <translation>다음</translation>
+    </message>
+    <message>
+        <source>Finish</source>
+        <translation>완료</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>확인</translation>
+    </message>
+    <message>
+        <source>Current Pallet: </source>
+        <translation>현재 팔레트: </translation>
+    </message>
+    <message>
+        <source>Pattern Setting</source>
+        <translation>패턴 설정</translation>
+    </message>
+    <message>
+        <source>Tool Setting</source>
+        <translation>공구 설정</translation>
+    </message>
+    <message>
+        <source>Calibrate Setting</source>
+        <translation>보정 설정</translation>
+    </message>
+    <message>
+        <source>Path Point Setting</source>
+        <translation>경로점 설정</translation>
+    </message>
+    <message>
+        <source>Path Point Check</source>
+        <translation>경로점 점검</translation>
+    </message>
+    <message>
+        <source>Use Project Tool/Wobj</source>
+        <translation>프로젝트 공구/공작물 사용</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWizard</name>
+    <message>
+        <source>Order</source>
+        <translation>순서</translation>
+    </message>
+    <message>
+        <source>Parallel</source>
+        <translation>평행</translation>
+    </message>
+    <message>
+        <source>S-Type</source>
+        <translation>S형</translation>
+    </message>
+    <message>
+        <source>Ranking</source>
+        <translation>배열 방향</translation>
+    </message>
+    <message>
+        <source>Total:</source>
+        <translation>합계:</translation>
+    </message>
+    <message>
+        <source>Tap a corner of the pallet to make it position 1.</source>
+        <translation>팔레트의 모서리를 눌러 1번 위치로 지정하십시오.</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWidget</name>
+    <message>
+        <source>Column</source>
+        <translation>열</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>행</translation>
+    </message>
+</context>
+<context>
+    <name>TWMenu</name>
+    <message>
+        <source>Form</source>
+        <translation>폼</translation>
+    </message>
+</context>
 </TS>

@@ -141,4 +141,116 @@
         <translation>Ширина или высота паллеты слишком мала, возможно, она не откалибрована!</translation>
     </message>
 </context>
+<context>
+    <name>PalletSetDialog</name>
+    <message>
+        <source>Pallet Setting</source>
+        <translation>Настройка паллеты</translation>
+    </message>
+    <message>
+        <source>Tool</source>
+        <translation>Инструмент</translation>
+    </message>
+    <message>
+        <source>Wobj</source>
+        <translation>Заготовка</translation>
+    </message>
+    <message>
+        <source>Toolset</source>
+        <translation>Набор</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>Назад</translation>
+    </message>
+    <message>
+        <source>Next Step</source>
+        <translation>Далее</translation>
+    </message>
+    <message>
+        <source>Finish</source>
+        <translation>Готово</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Принять</translation>
+    </message>
+    <message>
+        <source>Current Pallet: </source>
+        <translation>Паллета: </translation>
+    </message>
+    <message>
+        <source>Pattern Setting</source>
+        <translation>Схема</translation>
+    </message>
+    <message>
+        <source>Tool Setting</source>
+        <translation>Инструмент</translation>
+    </message>
+    <message>
+        <source>Calibrate Setting</source>
+        <translation>Калибровка</translation>
+    </message>
+    <message>
+        <source>Path Point Setting</source>
+        <translation>Точки пути</translation>
+    </message>
+    <message>
+        <source>Path Point Check</source>
+        <translation>Проверка точек</translation>
+    </message>
+    <message>
+        <source>Use Project Tool/Wobj</source>
+        <translation>Инструмент/заготовка проекта</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWizard</name>
+    <message>
+        <source>Order</source>
+        <translation>Порядок</translation>
+    </message>
+    <message>
+        <source>Parallel</source>
+        <translation>Параллельно</translation>
+    </message>
+    <message>
+        <source>S-Type</source>
+        <translation>Змейкой</translation>
+    </message>
+    <message>
+        <source>Ranking</source>
+        <translation>Направление</translation>
+    </message>
+    <message>
+        <source>Total:</source>
+        <translation>Всего:</translation>
+    </message>
+    <message>
+        <source>Tap a corner of the pallet to make it position 1.</source>
+        <translation>Нажмите на угол паллеты, чтобы сделать его позицией 1.</translation>
+    </message>
+</context>
+<context>
+    <name>PatternWidget</name>
+    <message>
+        <source>Column</source>
+        <translation>Столбцы</translation>
+    </message>
+    <message>
+        <source>Row</source>
+        <translation>Строки</translation>
+    </message>
+</context>
+<context>
+    <name>TWMenu</name>
+    <message>
+        <source>Form</source>
+        <translation>Форма</translation>
+    </message>
+</context>
 </TS>
