@@ -147,6 +147,8 @@ void Shell::onConnected()
                                                m_transport ? m_transport->peerName() : QString(), 1);
     if (!m_hostNodes->refreshProject())
         report(QStringLiteral("warning"), QStringLiteral("Project"), QStringLiteral("tool and work-object lists not read"));
+    // A reconnected controller starts from its own toolset: make the tool page's choice active again.
+    m_hostNodes->applyToolpage();
     updateHome();
 }
 
