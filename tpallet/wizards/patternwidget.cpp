@@ -33,8 +33,8 @@ void PatternWidget::addCaption()
 {
     if (!m_captions.isEmpty())
         return;
-    // Column title and count centred above the board, row title and count left of it.
-    const QPointF fractions[4] = {{0.36, 0.045}, {0.012, 0.42}, {0.53, 0.045}, {0.012, 0.50}};
+    // Column title over its count, centred above the board; row title over its count, left of it.
+    const QPointF fractions[4] = {{0.45, 0.005}, {0.012, 0.42}, {0.45, 0.075}, {0.012, 0.50}};
     const char *names[4] = {"lblColTitle", "lblRowTitle", "lblCol", "lblRow"};
     for (int i = 0; i < 4; ++i) {
         auto *caption = new QLabel(this);

@@ -17,6 +17,8 @@ class QPushButton;
 class TPALLET_EXPORT PatternWidget : public QWidget
 {
     Q_OBJECT
+    // The resource path of the picture shown, readable by name from outside the module.
+    Q_PROPERTY(QString image READ image WRITE setImage)
 
 public:
     explicit PatternWidget(QWidget *parent = nullptr);

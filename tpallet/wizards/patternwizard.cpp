@@ -9,6 +9,7 @@
 
 #include <QEvent>
 #include <QPushButton>
+#include <QStyle>
 
 namespace tpallet {
 
@@ -81,6 +82,9 @@ PatternWizard::PatternWizard(orba::ModuleObject *pallet, QWidget *parent)
     m_ui->btnRankH->setChecked(!rankV);
 
     captionRankButtons();
+    // The captions only give counts; the arrows say which way the lines run.
+    m_ui->btnRankH->setIcon(style()->standardIcon(QStyle::SP_ArrowRight));
+    m_ui->btnRankV->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     refreshSpan();
 
     const QList<QPushButton *> corners = m_ui->wgtPattern->getBtnList();
