@@ -7,7 +7,9 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPixmap>
 #include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -15,6 +17,7 @@
 #include <QTableWidget>
 #include <QtTest>
 
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -42,12 +45,15 @@ private slots:
     void addedPalletSurvivesRcsimRestart();
     void editRenamesAndResizes();
     void deleteAsksAndRemovesFromController();
+    void configurePatternStoresNewOrder();
+    void configurePatternStoresNewOrderOverTcp();
 
 private:
     ShellOptions options() const;
     QTableWidget *table(Shell &shell) const;
     bool startShell(Shell &shell);
     void addPallet(Shell &shell, const QString &name, int rows, int cols);
+    void configurePattern(Shell &shell);
     std::unique_ptr<QTemporaryDir> m_data;
 };
 
@@ -237,6 +243,90 @@ void TestE2eTray::deleteAsksAndRemovesFromController()
     QCOMPARE(list->getInt(-1), 0);
     QCOMPARE(list->r(QStringLiteral("data"))->size(), 1);
     QCOMPARE(list->r(QStringLiteral("data.#0.name"))->getString(), QStringLiteral("kept"));
+}
+
+// Configure opens on the pattern step with the pallet's picture; choosing origin, order and
+// ranking changes picture and corner captions; "Next Step" stores the places in the new order.
+void TestE2eTray::configurePattern(Shell &shell)
+{
+    addPallet(shell, QStringLiteral("pattern"), 3, 4);
+    QTableWidget *t = table(shell);
+    QTRY_COMPARE(t->rowCount(), 1);
+    // As a calibration would have left it: a 400 x 300 mm pallet.
+    orba::m(QStringLiteral("tpallet.pallets.#0"))->set(nullptr, QStringLiteral("calibrate.x_span"), 0.4, true);
+    orba::m(QStringLiteral("tpallet.pallets.#0"))->set(nullptr, QStringLiteral("calibrate.y_span"), 0.3, true);
+
+    t->setCurrentCell(0, 0);
+    QTest::mouseClick(shell.window()->findChild<QPushButton *>(QStringLiteral("btnCfg")), Qt::LeftButton);
+    QDialog *dialog = nullptr;
+    QTRY_VERIFY((dialog = openDialog(QStringLiteral("PalletSetDialog"))) != nullptr);
+    QWidget *pattern = dialog->findChild<QWidget *>(QStringLiteral("wgtPattern"));
+    QVERIFY(pattern);
+    QCOMPARE(dialog->findChild<QLabel *>(QStringLiteral("lblTitle0"))->styleSheet(),
+             QStringLiteral("font: 75 10pt; color: rgb(0, 124, 249)"));
+    QCOMPARE(pattern->property("image").toString(), QStringLiteral(":/tpallet/images/pallet/p_h_0.png"));
+    QVERIFY(!QPixmap(pattern->property("image").toString()).isNull());
+    auto corner = [pattern](int i) { return pattern->findChild<QPushButton *>(QStringLiteral("btnOrigin%1").arg(i)); };
+    QCOMPARE(corner(0)->text(), QStringLiteral("1"));
+    QCOMPARE(corner(1)->text(), QStringLiteral("4"));
+    QCOMPARE(corner(2)->text(), QStringLiteral("12"));
+    QCOMPARE(corner(3)->text(), QStringLiteral("9"));
+
+    QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("btnSType")), Qt::LeftButton);
+    QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("btnRankV")), Qt::LeftButton);
+    QTest::mouseClick(corner(2), Qt::LeftButton);
+    QCOMPARE(pattern->property("image").toString(), QStringLiteral(":/tpallet/images/pallet/s_v_2.png"));
+    QCOMPARE(corner(2)->text(), QStringLiteral("1"));
+    QCOMPARE(corner(1)->text(), QStringLiteral("3"));
+    QCOMPARE(corner(3)->text(), QStringLiteral("10"));
+    QCOMPARE(corner(0)->text(), QStringLiteral("12"));
+
+    QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("btnNext")), Qt::LeftButton);
+    QTRY_COMPARE(dialog->findChild<QLabel *>(QStringLiteral("lblTitle1"))->styleSheet(),
+                 QStringLiteral("font: 75 10pt; color: rgb(0, 124, 249)"));
+
+    orba::ModuleObject param(QStringLiteral("param"));
+    param.setValue(nullptr, 0);
+    QCOMPARE(tservice()->execCommandAt(nullptr, QStringLiteral("tray.query.one"), &param), 0);
+    orba::ModuleObject *stored = param.c(QStringLiteral("data"));
+    QCOMPARE(stored->r(QStringLiteral("pattern.origin"))->getInt(), 2);
+    QCOMPARE(stored->r(QStringLiteral("pattern.s_type"))->getBool(), true);
+    QCOMPARE(stored->r(QStringLiteral("pattern.rank_v"))->getBool(), true);
+    QCOMPARE(stored->r(QStringLiteral("points"))->size(), 12);
+    // From the bottom-right corner (P1) up the right-hand column towards P2 (the x axis), then
+    // back down the next column, one column step (100 mm) along y towards P3.
+    const double expected[6][2] = {{0.0, 0.0}, {0.2, 0.0}, {0.4, 0.0}, {0.4, 0.1}, {0.2, 0.1}, {0.0, 0.1}};
+    for (int i = 0; i < 6; ++i) {
+        orba::ModuleObject *place = stored->r(QStringLiteral("points.#%1.wobj.trans").arg(i));
+        QVERIFY2(std::abs(place->c(0)->getDouble() - expected[i][0]) < 1e-12, qPrintable(QString::number(i)));
+        QVERIFY2(std::abs(place->c(1)->getDouble() - expected[i][1]) < 1e-12, qPrintable(QString::number(i)));
+    }
+    QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("btnCancel")), Qt::LeftButton);
+    QTRY_VERIFY(!openDialog(QStringLiteral("PalletSetDialog")));
+}
+
+void TestE2eTray::configurePatternStoresNewOrder()
+{
+    Shell shell(options());
+    QVERIFY(startShell(shell));
+    configurePattern(shell);
+}
+
+void TestE2eTray::configurePatternStoresNewOrderOverTcp()
+{
+    QProcess rcsim;
+    const quint16 port = startRcsim(&rcsim, m_data->filePath(QStringLiteral("rcsim")));
+    QVERIFY2(port != 0, rcsim.readAllStandardError().constData());
+    {
+        ShellOptions o = options();
+        o.rcHost = QStringLiteral("127.0.0.1");
+        o.rcPort = port;
+        Shell shell(o);
+        QVERIFY(startShell(shell));
+        configurePattern(shell);
+    }
+    rcsim.kill();
+    rcsim.waitForFinished(5000);
 }
 
 QTEST_MAIN(TestE2eTray)

@@ -2,14 +2,12 @@
 
 #include "module/tpallet_export.h"
 
+#include <orba/moduleobject.h>
+
 #include <QPointer>
 #include <QWidget>
 
 #include <functional>
-
-namespace orba {
-class ModuleObject;
-}
 
 // One step of the pallet configuration dialog. The dialog asks the step whether it may be left
 // before it moves on, goes back, cancels or confirms; a step that refuses says why itself.
