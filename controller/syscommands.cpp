@@ -50,10 +50,11 @@ QVariantMap toolRecord(const QString &name, bool robhold, const QVariantMap &fra
 QVariantList projectTools()
 {
     return {toolRecord(QStringLiteral("tool0"), true, mmFrame(0, 0, 0, 0, 0, 0), 0.0, 0, 0, 0, 0, 0, 0),
-            toolRecord(QStringLiteral("gripper"), true, mmFrame(0, 0, 200.0, 0, 0, 0), 4.5, 0, 0, 90.0, 30000.0, 30000.0,
-                       12000.0),
-            toolRecord(QStringLiteral("sucker"), true, mmFrame(0, 50.0, 150.0, 0, 0, 0), 2.0, 0, 20.0, 70.0, 8000.0,
-                       8000.0, 4000.0),
+            // Moments stay within what the pendant's tool page can show (1000 kg.mm²).
+            toolRecord(QStringLiteral("gripper"), true, mmFrame(0, 0, 200.0, 0, 0, 0), 4.5, 0, 0, 90.0, 900.0, 900.0,
+                       400.0),
+            toolRecord(QStringLiteral("sucker"), true, mmFrame(0, 50.0, 150.0, 0, 0, 0), 2.0, 0, 20.0, 70.0, 600.0,
+                       600.0, 250.0),
             toolRecord(QStringLiteral("glue_gun"), false, mmFrame(400.0, 0, 300.0, 0, 90.0, 0), 0.0, 0, 0, 0, 0, 0, 0)};
 }
 

@@ -119,7 +119,7 @@ void HostNodes::seedGlobalLists()
             "[{\"name\":\"g_hand\",\"robhold\":true,"
             "\"frame\":{\"pos\":{\"x\":0.0,\"y\":0.0,\"z\":120.0},\"ori\":{\"euler\":{\"a\":0.0,\"b\":0.0,\"c\":0.0}}},"
             "\"load\":{\"mass\":3.0,\"pose\":{\"pos\":{\"x\":0.0,\"y\":0.0,\"z\":60.0}},"
-            "\"moment\":[15000.0,15000.0,6000.0]}}]"));
+            "\"moment\":[800.0,800.0,300.0]}}]"));
     }
     orba::ModuleObject *wobjs = kx::globalNode(QStringLiteral("tormo.setting.g_wobj.g_wobjs"));
     if (wobjs->cmobjCount() == 0 && tcore::SettingManager::getStr(QStringLiteral("global/wobjs")).isEmpty()) {

@@ -196,11 +196,11 @@ void TestHostNodes::toolpageChoiceBecomesActiveToolset_data()
     QTest::addColumn<QString>("wobj");
     QTest::addColumn<QVector<double>>("expected"); // end xyz c, ref xyz c, mass, cog z, inertia x
     QTest::newRow("project gripper on table") << "gripper" << "table"
-        << QVector<double>{0, 0, 0.2, 0, 0.6, -0.4, 0, M_PI / 2, 4.5, 0.09, 0.03};
+        << QVector<double>{0, 0, 0.2, 0, 0.6, -0.4, 0, M_PI / 2, 4.5, 0.09, 0.0009};
     QTest::newRow("project sucker on wobj0") << "sucker" << "wobj0"
-        << QVector<double>{0, 0.05, 0.15, 0, 0, 0, 0, 0, 2.0, 0.07, 0.008};
+        << QVector<double>{0, 0.05, 0.15, 0, 0, 0, 0, 0, 2.0, 0.07, 0.0006};
     QTest::newRow("global hand on global conveyor") << "g_hand" << "g_conveyor"
-        << QVector<double>{0, 0, 0.12, 0, 0.5, 0.3, 0.1, 0, 3.0, 0.06, 0.015};
+        << QVector<double>{0, 0, 0.12, 0, 0.5, 0.3, 0.1, 0, 3.0, 0.06, 0.0008};
 }
 
 void TestHostNodes::toolpageChoiceBecomesActiveToolset()
