@@ -7,6 +7,7 @@
 #include <kx/globaluniqueptr.h>
 #include <kx/kx.h>
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -51,6 +52,9 @@ private slots:
     void proposesFirstFreeName();
     void validatorFiltersTyping();
     void cloneToggleSwitchesInputs();
+    void typedCountShowsWhatIsUsed_data();
+    void typedCountShowsWhatIsUsed();
+    void typedCountInEditModeShowsWhatIsUsed();
     void rejections_data();
     void rejections();
     void nameOf32Accepted();
@@ -61,7 +65,9 @@ private slots:
     void cloneCopiesWholePallet();
     void cloneChecksSpinBoxProduct();
     void cloneWithEmptyListFallsBackToDefault();
+    void cloneIsCopiedWholeNotCompleted();
     void editFillsFields();
+    void editModeCloneRadioOnlySwitchesInputs();
     void editKeepingNameIsNotRepeated();
     void editDescriptionOnlyRenames();
     void editRowOnlyRegenerates();
@@ -69,15 +75,18 @@ private slots:
     void editToTakenNameRejected();
     void cancelChangesNothing();
     void closesWhenPalletDestroyed();
+    void newDialogIsBoundToNothing();
     void initPalletCompletesDefault();
     void initPalletAddsMissingRetract();
     void initPalletKeepsSetReference();
+    void initPalletKeepsPresentNullReference();
 
 private:
     NewPalletDialog *open(orba::ModuleObject *pallet);
     void typeName(NewPalletDialog *dialog, const QString &name);
     void clickOk(NewPalletDialog *dialog);
     QList<QVariantMap> errorEntries() const;
+    void typeCount(NewPalletDialog *dialog, QSpinBox *spin, const QString &text);
     orba::ModuleObject *addGenerated(const QString &name, int row, int col);
 
     PalletFixture m_fx;
@@ -115,6 +124,21 @@ void TestNewPalletDialog::typeName(NewPalletDialog *dialog, const QString &name)
 void TestNewPalletDialog::clickOk(NewPalletDialog *dialog)
 {
     QTest::mouseClick(widget<QPushButton>(dialog, "btnOk"), Qt::LeftButton);
+}
+
+// Types into a spin box as the operator does: a click for focus, the old text selected and replaced.
+void TestNewPalletDialog::typeCount(NewPalletDialog *dialog, QSpinBox *spin, const QString &text)
+{
+    QApplication::setActiveWindow(dialog);
+    QVERIFY(QTest::qWaitForWindowActive(dialog));
+    // The left end of the box: the arrows sit on the right.
+    QTest::mouseClick(spin, Qt::LeftButton, Qt::NoModifier, QPoint(4, spin->height() / 2));
+    QVERIFY(spin->hasFocus());
+    spin->selectAll();
+    if (text.isEmpty())
+        QTest::keyClick(spin, Qt::Key_Backspace);
+    else
+        QTest::keyClicks(spin, text);
 }
 
 QList<QVariantMap> TestNewPalletDialog::errorEntries() const
@@ -219,6 +243,95 @@ void TestNewPalletDialog::cloneToggleSwitchesInputs()
     QVERIFY(!clone->isChecked());
     QVERIFY(!widget<QComboBox>(dialog, "cmbPallet")->isEnabled());
     QVERIFY(widget<QSpinBox>(dialog, "spnRow")->isEnabled());
+}
+
+void TestNewPalletDialog::typedCountShowsWhatIsUsed_data()
+{
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("byOk");
+    QTest::addColumn<int>("used");
+    // The boxes hold 5 before typing; text that is no count leaves that value in force.
+    for (const char *box : {"spnRow", "spnCol"}) {
+        for (bool byOk : {false, true}) {
+            const QString how = byOk ? QStringLiteral("Ok") : QStringLiteral("focus lost");
+            const QString name = QLatin1String(box) + QStringLiteral(", %1, ");
+            QTest::newRow(qPrintable(name.arg(how) + QStringLiteral("zero"))) << box << "0" << byOk << 5;
+            QTest::newRow(qPrintable(name.arg(how) + QStringLiteral("two zeros"))) << box << "00" << byOk << 5;
+            QTest::newRow(qPrintable(name.arg(how) + QStringLiteral("erased"))) << box << "" << byOk << 5;
+            QTest::newRow(qPrintable(name.arg(how) + QStringLiteral("valid 7"))) << box << "7" << byOk << 7;
+            QTest::newRow(qPrintable(name.arg(how) + QStringLiteral("past the maximum"))) << box << "12345" << byOk << 123;
+        }
+    }
+}
+
+void TestNewPalletDialog::typedCountShowsWhatIsUsed()
+{
+    QFETCH(QString, box);
+    QFETCH(QString, typed);
+    QFETCH(bool, byOk);
+    QFETCH(int, used);
+    m_fx.transport()->setReply(QStringLiteral("tray.add_one"), 0, "{\"size\":1}");
+    NewPalletDialog *dialog = open(nullptr);
+    auto *row = widget<QSpinBox>(dialog, "spnRow");
+    auto *col = widget<QSpinBox>(dialog, "spnCol");
+    row->setValue(5);
+    col->setValue(5);
+    QSpinBox *spin = box == QLatin1String("spnRow") ? row : col;
+    auto *name = widget<QLineEdit>(dialog, "edtName");
+    if (byOk)
+        name->clear(); // so that Ok is refused and the dialog stays open
+    typeCount(dialog, spin, typed);
+    if (QTest::currentTestFailed())
+        return;
+
+    if (byOk) {
+        clickOk(dialog);
+        QCOMPARE(errorEntries().size(), 1);
+        QCOMPARE(errorEntries().first().value(QStringLiteral("title")).toString(), QStringLiteral("Tray name is empty!"));
+        // Ok takes no focus: the box still has it, so what it shows now is Ok's doing.
+        QVERIFY(spin->hasFocus());
+        QCOMPARE(spin->value(), used);
+        QCOMPARE(spin->text(), QString::number(used));
+
+        name->setText(QStringLiteral("tray0"));
+        clickOk(dialog);
+        orba::ModuleObject *pallet = tpallet::getPallet(QStringLiteral("tray0"));
+        QVERIFY(!pallet->isEmpty());
+        QCOMPARE(pallet->r(box == QLatin1String("spnRow") ? QStringLiteral("pattern.row") : QStringLiteral("pattern.col"))->getInt(), used);
+    } else {
+        // Focus goes to the description, as when the operator taps it.
+        auto *desc = widget<QLineEdit>(dialog, "edtDesc");
+        QTest::mouseClick(desc, Qt::LeftButton);
+        QVERIFY(desc->hasFocus());
+    }
+    // What is on screen is the count in force.
+    QCOMPARE(spin->value(), used);
+    QCOMPARE(spin->text(), QString::number(used));
+}
+
+void TestNewPalletDialog::typedCountInEditModeShowsWhatIsUsed()
+{
+    PalletFixture::addLocalPallet(QStringLiteral("taken"), 1, 1);
+    orba::ModuleObject *pallet = addGenerated(QStringLiteral("kept"), 3, 4);
+    NewPalletDialog *dialog = open(pallet);
+    auto *row = widget<QSpinBox>(dialog, "spnRow");
+    auto *name = widget<QLineEdit>(dialog, "edtName");
+    typeCount(dialog, row, QStringLiteral("0"));
+    QCOMPARE(row->text(), QStringLiteral("0"));
+    name->setText(QStringLiteral("taken"));
+    clickOk(dialog);
+    // Refused, still open: the box shows the pallet's count, the one that is in force.
+    QCOMPARE(errorEntries().size(), 1);
+    QVERIFY(row->hasFocus());
+    QCOMPARE(row->text(), QStringLiteral("3"));
+    QCOMPARE(row->value(), 3);
+
+    name->setText(QStringLiteral("kept"));
+    clickOk(dialog);
+    // The pallet keeps its rows: nothing regenerated, nothing sent.
+    QCOMPARE(pallet->r(QStringLiteral("pattern.row"))->getInt(), 3);
+    QVERIFY(m_fx.palletMethods().isEmpty());
 }
 
 void TestNewPalletDialog::rejections_data()
@@ -369,6 +482,13 @@ void TestNewPalletDialog::addCountMismatchLogged()
         }
     }
     QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.add_one")).size(), 1); // no retry
+    // The row would vanish at the next reload: the operator is told in the configuration log.
+    const QList<QVariantMap> errors = errorEntries();
+    QCOMPARE(errors.size(), logged ? 1 : 0);
+    if (logged) {
+        QCOMPARE(errors.first().value(QStringLiteral("title")).toString(),
+                 QStringLiteral("Tray tray0 was not stored on the controller, it will be lost at the next reload!"));
+    }
     QCOMPARE(refresh.count(), 1);
     QVERIFY(tcore::ManagerHelper::instance()->msgHistory().isEmpty());
     PalletFixture::flushDeletes();
@@ -436,6 +556,37 @@ void TestNewPalletDialog::cloneWithEmptyListFallsBackToDefault()
     QCOMPARE(pallet->r(QStringLiteral("waypoint"))->cmobjNames(), (QStringList{"wobj", "approach", "retract"}));
 }
 
+void TestNewPalletDialog::cloneIsCopiedWholeNotCompleted()
+{
+    // A source that initPallet would complete: null toolset, no "retract", places left as they were.
+    orba::ModuleObject *source = PalletFixture::addLocalPallet(QStringLiteral("bare"), 2, 2);
+    tpallet::initWayPointNode(source);
+    orba::ModuleObject *waypoint = source->c(QStringLiteral("waypoint"), false);
+    waypoint->remove(nullptr, waypoint->c(QStringLiteral("retract"), false));
+    source->set(nullptr, QStringLiteral("points.#0.wobj.trans.#0"), 0.75, true);
+    QVERIFY(source->r(QStringLiteral("calibrate.toolset"))->isNull());
+    m_fx.transport()->setReply(QStringLiteral("tray.add_one"), 0, "{\"size\":2}");
+
+    NewPalletDialog *dialog = open(nullptr);
+    QTest::mouseClick(widget<QRadioButton>(dialog, "rdbClone"), Qt::LeftButton);
+    widget<QComboBox>(dialog, "cmbPallet")->setCurrentIndex(0);
+    typeName(dialog, QStringLiteral("twin"));
+    clickOk(dialog);
+
+    // Copied whole and only renamed: no identity toolset, no retract added, places not regenerated.
+    orba::ModuleObject *twin = tpallet::getPallet(QStringLiteral("twin"));
+    QVERIFY(!twin->isEmpty());
+    orba::ModuleObject want(QStringLiteral("#1"));
+    want.copyFrom(nullptr, source, true, false);
+    want.set(nullptr, QStringLiteral("name"), QStringLiteral("twin"), true);
+    want.set(nullptr, QStringLiteral("desc"), QString(), true);
+    QVERIFY(twin->equals(&want));
+    QVERIFY(twin->r(QStringLiteral("calibrate.toolset"))->isNull());
+    QCOMPARE(twin->c(QStringLiteral("waypoint"), false)->cmobjNames(), (QStringList{"wobj", "approach"}));
+    QCOMPARE(twin->r(QStringLiteral("points.#0.wobj.trans.#0"))->getDouble(), 0.75);
+    QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.add_one")).first().paramsJson, orba::json::write(&want));
+}
+
 void TestNewPalletDialog::editFillsFields()
 {
     orba::ModuleObject *pallet = addGenerated(QStringLiteral("edit_me"), 7, 9);
@@ -447,6 +598,34 @@ void TestNewPalletDialog::editFillsFields()
     QCOMPARE(widget<QSpinBox>(dialog, "spnCol")->value(), 9);
     QCOMPARE(widget<QComboBox>(dialog, "cmbPallet")->count(), 2);
     QVERIFY(!widget<QComboBox>(dialog, "cmbPallet")->isEnabled());
+    // The clone radio stays as the form has it: offered, not checked.
+    QVERIFY(widget<QRadioButton>(dialog, "rdbClone")->isEnabled());
+    QVERIFY(!widget<QRadioButton>(dialog, "rdbClone")->isChecked());
+    QVERIFY(widget<QSpinBox>(dialog, "spnRow")->isEnabled());
+    QVERIFY(widget<QSpinBox>(dialog, "spnCol")->isEnabled());
+}
+
+void TestNewPalletDialog::editModeCloneRadioOnlySwitchesInputs()
+{
+    PalletFixture::addLocalPallet(QStringLiteral("other"), 1, 1);
+    orba::ModuleObject *pallet = addGenerated(QStringLiteral("mine"), 2, 3);
+    NewPalletDialog *dialog = open(pallet);
+    widget<QSpinBox>(dialog, "spnRow")->setValue(4);
+    auto *clone = widget<QRadioButton>(dialog, "rdbClone");
+    QTest::mouseClick(clone, Qt::LeftButton);
+    QVERIFY(clone->isChecked());
+    QVERIFY(widget<QComboBox>(dialog, "cmbPallet")->isEnabled());
+    QVERIFY(!widget<QSpinBox>(dialog, "spnRow")->isEnabled());
+    QVERIFY(!widget<QSpinBox>(dialog, "spnCol")->isEnabled());
+    widget<QComboBox>(dialog, "cmbPallet")->setCurrentIndex(0);
+    clickOk(dialog);
+
+    // Editing never clones: the pallet takes the counts of the (disabled) boxes, nothing is added.
+    QCOMPARE(m_fx.palletMethods(), QStringList{QStringLiteral("tray.set.one")});
+    QCOMPARE(palletNames(), (QStringList{"other", "mine"}));
+    QCOMPARE(pallet->r(QStringLiteral("pattern.row"))->getInt(), 4);
+    QCOMPARE(pallet->r(QStringLiteral("pattern.col"))->getInt(), 3);
+    QCOMPARE(pallet->c(QStringLiteral("points"), false)->cmobjCount(), 12);
 }
 
 void TestNewPalletDialog::editKeepingNameIsNotRepeated()
@@ -558,6 +737,21 @@ void TestNewPalletDialog::closesWhenPalletDestroyed()
     QVERIFY(!m_dialog);
 }
 
+void TestNewPalletDialog::newDialogIsBoundToNothing()
+{
+    PalletFixture::addLocalPallet(QStringLiteral("a"), 1, 1);
+    NewPalletDialog *dialog = open(nullptr);
+    QSignalSpy rejected(dialog, &QDialog::rejected);
+    // Neither a pallet nor the list going away closes a dialog that creates a pallet.
+    tpallet::palletsNode()->remove(nullptr, tpallet::palletsNode()->c(0));
+    orba::ModuleObject *list = tpallet::palletsNode();
+    delete list->pmobj()->take(nullptr, list);
+    PalletFixture::flushDeletes();
+    QCOMPARE(rejected.count(), 0);
+    QVERIFY(m_dialog);
+    QVERIFY(m_dialog->isVisible());
+}
+
 void TestNewPalletDialog::initPalletCompletesDefault()
 {
     orba::ModuleObject pallet(QStringLiteral("fresh"));
@@ -604,6 +798,25 @@ void TestNewPalletDialog::initPalletKeepsSetReference()
     before.copyFrom(nullptr, toolset, true, false);
     NewPalletDialog::initPallet(&pallet);
     QVERIFY(pallet.r(QStringLiteral("calibrate.toolset"))->equals(&before));
+}
+
+void TestNewPalletDialog::initPalletKeepsPresentNullReference()
+{
+    // "ref" is there but holds nothing: the emptiness test finds it, so the toolset stays as it is.
+    orba::ModuleObject pallet(QStringLiteral("halfway"));
+    pallet.copyFrom(nullptr, orba::m(QStringLiteral("tpallet.default")), true, false);
+    orba::ModuleObject *toolset = pallet.r(QStringLiteral("calibrate.toolset"));
+    toolset->set(nullptr, QStringLiteral("end.trans.#2"), 0.1, true);
+    toolset->append(nullptr, QStringLiteral("ref"));
+    QVERIFY(toolset->c(QStringLiteral("ref"), false)->isNull());
+    QVERIFY(!toolset->c(QStringLiteral("ref"), false)->isEmpty());
+    orba::ModuleObject before(QStringLiteral("toolset"));
+    before.copyFrom(nullptr, toolset, true, false);
+    NewPalletDialog::initPallet(&pallet);
+    QVERIFY(pallet.r(QStringLiteral("calibrate.toolset"))->equals(&before));
+    // The rest of the completion still happens.
+    QCOMPARE(pallet.c(QStringLiteral("waypoint"), false)->cmobjNames(), (QStringList{"wobj", "approach", "retract"}));
+    QCOMPARE(pallet.c(QStringLiteral("points"), false)->cmobjCount(), 1);
 }
 
 QTEST_MAIN(TestNewPalletDialog)

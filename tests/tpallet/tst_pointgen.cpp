@@ -11,11 +11,12 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <memory>
 
-// The reference grid must round exactly as the module does.
+// The fused multiply-add case tells one rounding from two: nothing here may be fused.
 #ifdef __clang__
 #pragma STDC FP_CONTRACT OFF
 #endif
@@ -37,59 +38,111 @@ struct XY
     double y;
 };
 
+// The reference is geometry, not the module's arithmetic: it may differ from it by rounding only.
+constexpr double kTolerance = 1e-12; // metres
+
+bool isClose(double got, double want)
+{
+    return std::abs(got - want) <= kTolerance;
+}
+
 bool sameBits(double a, double b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-QString bitsText(double got, double want)
+QString valuesText(double got, double want)
 {
     return QStringLiteral("got %1, want %2").arg(got, 0, 'g', 17).arg(want, 0, 'g', 17);
 }
 
-// The grid as the placing arithmetic defines it, computed here independently of the tree.
+#define VERIFY_CLOSE(got, want, what)                                                                        \
+    do {                                                                                                     \
+        const double got_ = (got);                                                                           \
+        const double want_ = (want);                                                                         \
+        QVERIFY2(isClose(got_, want_), qPrintable(QString(what) + QLatin1Char(' ') + valuesText(got_, want_))); \
+    } while (false)
+
+// The pallet's corners in the pallet frame, as calibration measures them.
+struct Corners
+{
+    XY p1;
+    XY p2;
+    XY p3;
+    XY p4;
+};
+
+Corners cornersOf(const Calibration &c)
+{
+    return Corners{XY{0.0, 0.0}, XY{c.xSpan, 0.0}, XY{c.xOffset13, c.ySpan},
+                   XY{c.xSpan + c.xOffset24, c.ySpan + c.yOffset34}};
+}
+
+// Bilinear interpolation over the quadrilateral: s runs from the edge P1-P3 (0) to the edge P2-P4 (1),
+// t from the edge P1-P2 (0) to the edge P3-P4 (1).
+XY bilinear(const Corners &q, double s, double t)
+{
+    const double w1 = (1.0 - s) * (1.0 - t);
+    const double w2 = s * (1.0 - t);
+    const double w3 = (1.0 - s) * t;
+    const double w4 = s * t;
+    return XY{w1 * q.p1.x + w2 * q.p2.x + w3 * q.p3.x + w4 * q.p4.x,
+              w1 * q.p1.y + w2 * q.p2.y + w3 * q.p3.y + w4 * q.p4.y};
+}
+
+// An even origin lays the rows along the edge P1-P2, an odd one the columns; a negative origin
+// counts as even.
+bool columnsAlongFirstEdge(int origin)
+{
+    return origin > 0 && origin % 2 == 1;
+}
+
+// The base grid: `lines` lines spread evenly from P1-P3 to P2-P4, each with `entries` places spread
+// evenly from P1-P2 to P3-P4. A single line lies on P1-P3, a single entry on P1-P2. Lines of a single
+// entry keep their one quirk: no x skew, but the rise from P3 to P4 (y_offset_34) spread along them.
 QVector<QVector<XY>> referenceGrid(int row, int col, int origin, const Calibration &c)
 {
-    const bool odd = origin % 2 == 1;
-    const int A = odd ? col : row;
-    const int B = odd ? row : col;
-    QVector<QVector<XY>> grid(qMax(A, 0), QVector<XY>(qMax(B, 0), XY{0.0, 0.0}));
-    for (int i = 0; i < A; ++i) {
-        for (int j = 0; j < B; ++j) {
-            XY &p = grid[i][j];
-            p.x = A != 1 ? c.xSpan / (A - 1) * i : 0.0;
-            p.y = B != 1 ? c.ySpan / (B - 1) * j : 0.0;
-        }
-    }
-    for (int i = 0; i < A; ++i) {
-        const double ox = A != 1 ? ((c.xOffset24 - c.xOffset13) * i) / (A - 1) + c.xOffset13 : c.xOffset13;
-        for (int j = 0; j < B; ++j) {
-            XY &p = grid[i][j];
-            double t;
-            if (B != 1) {
-                p.x = std::fma(ox / (B - 1), static_cast<double>(j), p.x);
-                t = c.yOffset34 / (B - 1) * j;
-            } else {
-                p.x = p.x + 0.0;
-                t = c.yOffset34;
-            }
-            p.y = (A != 1 ? t / (A - 1) * i : 0.0) + p.y;
+    const bool transposed = columnsAlongFirstEdge(origin);
+    const int lines = transposed ? col : row;
+    const int entries = transposed ? row : col;
+    const Corners q = cornersOf(c);
+    QVector<QVector<XY>> grid(qMax(lines, 0), QVector<XY>(qMax(entries, 0), XY{0.0, 0.0}));
+    for (int i = 0; i < lines; ++i) {
+        const double s = lines > 1 ? double(i) / (lines - 1) : 0.0;
+        for (int j = 0; j < entries; ++j) {
+            const double t = entries > 1 ? double(j) / (entries - 1) : 0.0;
+            XY p = bilinear(q, s, t);
+            if (entries == 1)
+                p.y += s * c.yOffset34;
+            grid[i][j] = p;
         }
     }
     return grid;
 }
 
-// (line, entry) of "calibrate.points" used by position k, from the placing rules.
-QPair<int, int> referenceCell(int k, int row, int col, int origin, bool sType, bool rankV)
+// Pattern cell (row, column) of every place in placing order: the lines are the rows, or the columns
+// when ranked vertically; serpentine walks every second line backwards.
+QVector<QPair<int, int>> walkingOrder(int row, int col, bool sType, bool rankV)
 {
-    const bool odd = origin % 2 == 1;
-    const int W = rankV ? row : col;
-    const int o = k / W;
-    const int t = k % W;
-    const int u = (sType && o % 2 == 1) ? W - 1 - t : t;
-    const int a = rankV ? o : u;
-    const int b = rankV ? u : o;
-    return odd ? qMakePair(a, b) : qMakePair(b, a);
+    QVector<QPair<int, int>> order;
+    const int lines = rankV ? col : row;
+    const int along = rankV ? row : col;
+    for (int line = 0; line < lines; ++line) {
+        QVector<int> steps;
+        for (int step = 0; step < along; ++step)
+            steps << step;
+        if (sType && line % 2 == 1)
+            std::reverse(steps.begin(), steps.end());
+        for (int step : steps)
+            order << (rankV ? qMakePair(step, line) : qMakePair(line, step));
+    }
+    return order;
+}
+
+// (line, entry) of the base grid holding a pattern cell.
+QPair<int, int> gridCellOf(const QPair<int, int> &rowCol, int origin)
+{
+    return columnsAlongFirstEdge(origin) ? qMakePair(rowCol.second, rowCol.first) : rowCol;
 }
 
 void setPose(orba::ModuleObject *pose, const QVector<double> &trans, const QVector<double> &rot,
@@ -129,6 +182,8 @@ private slots:
     void negativeOriginCountsAsEven();
     void verticalRanking();
     void verticalSerpentine();
+    void gridCornersAreTheCalibratedCorners_data();
+    void gridCornersAreTheCalibratedCorners();
     void gridMatchesReference_data();
     void gridMatchesReference();
     void placingOrderMatchesReference_data();
@@ -152,7 +207,10 @@ private slots:
 private:
     orba::ModuleObject *makePallet(int row, int col, int origin, bool sType, bool rankV, const Calibration &c);
     void checkGrid(orba::ModuleObject *pallet, int row, int col, int origin, const Calibration &c);
-    void checkPlaces(orba::ModuleObject *pallet, int row, int col, int origin, bool sType, bool rankV);
+    void checkPlaces(orba::ModuleObject *pallet, int row, int col, int origin, bool sType, bool rankV,
+                     const Calibration &c = kSkewed);
+    void checkCells(orba::ModuleObject *pallet, const QVector<QPair<int, int>> &cells, int row, int col, int origin,
+                    const Calibration &c = kSkewed);
 
     std::unique_ptr<orbat::ScriptedTransport> m_transport;
     QList<orba::LogLine> m_logLines;
@@ -222,41 +280,55 @@ void TestPointGen::checkGrid(orba::ModuleObject *pallet, int row, int col, int o
             orba::ModuleObject *entry = line->c(j);
             QCOMPARE(entry->name(), QStringLiteral("#%1").arg(j));
             QCOMPARE(entry->cmobjNames(), (QStringList{QStringLiteral("#0"), QStringLiteral("#1")}));
-            const double x = at(entry, QStringLiteral("#0"));
-            const double y = at(entry, QStringLiteral("#1"));
-            QVERIFY2(sameBits(x, want[i][j].x), qPrintable(QStringLiteral("x[%1][%2] ").arg(i).arg(j) + bitsText(x, want[i][j].x)));
-            QVERIFY2(sameBits(y, want[i][j].y), qPrintable(QStringLiteral("y[%1][%2] ").arg(i).arg(j) + bitsText(y, want[i][j].y)));
+            VERIFY_CLOSE(at(entry, QStringLiteral("#0")), want[i][j].x, QStringLiteral("x[%1][%2]").arg(i).arg(j));
+            VERIFY_CLOSE(at(entry, QStringLiteral("#1")), want[i][j].y, QStringLiteral("y[%1][%2]").arg(i).arg(j));
         }
     }
 }
 
-void TestPointGen::checkPlaces(orba::ModuleObject *pallet, int row, int col, int origin, bool sType, bool rankV)
+// Every place against the corner model and the walking order, independently of the stored grid.
+void TestPointGen::checkPlaces(orba::ModuleObject *pallet, int row, int col, int origin, bool sType, bool rankV,
+                               const Calibration &c)
 {
+    const QVector<QVector<XY>> grid = referenceGrid(row, col, origin, c);
+    const QVector<QPair<int, int>> order = walkingOrder(row, col, sType, rankV);
     orba::ModuleObject *points = pallet->c(QStringLiteral("points"));
     orba::ModuleObject *waypoint = pallet->c(QStringLiteral("waypoint"));
-    orba::ModuleObject *grid = pallet->r(QStringLiteral("calibrate.points"));
-    QCOMPARE(points->cmobjCount(), row * col);
+    QCOMPARE(points->cmobjCount(), order.size());
     const double wx = at(waypoint, QStringLiteral("wobj.trans.#0"));
     const double wy = at(waypoint, QStringLiteral("wobj.trans.#1"));
-    for (int k = 0; k < row * col; ++k) {
+    for (int k = 0; k < order.size(); ++k) {
         orba::ModuleObject *place = points->c(k);
         QCOMPARE(place->name(), QStringLiteral("#%1").arg(k));
         QCOMPARE(place->cmobjNames(),
                  (QStringList{QStringLiteral("wobj"), QStringLiteral("approach"), QStringLiteral("retract")}));
-        const QPair<int, int> cell = referenceCell(k, row, col, origin, sType, rankV);
-        orba::ModuleObject *entry = grid->c(cell.first)->c(cell.second);
-        QVERIFY(!entry->isEmpty());
-        const double x = at(entry, QStringLiteral("#0"));
-        const double y = at(entry, QStringLiteral("#1"));
-        QVERIFY(sameBits(at(place, QStringLiteral("wobj.trans.#0")), x));
-        QVERIFY(sameBits(at(place, QStringLiteral("wobj.trans.#1")), y));
+        const QPair<int, int> cell = gridCellOf(order[k], origin);
+        const XY want = grid[cell.first][cell.second];
+        const QString where = QStringLiteral("place %1 (row %2, column %3)").arg(k).arg(order[k].first).arg(order[k].second);
+        VERIFY_CLOSE(at(place, QStringLiteral("wobj.trans.#0")), want.x, where + QStringLiteral(" wobj x"));
+        VERIFY_CLOSE(at(place, QStringLiteral("wobj.trans.#1")), want.y, where + QStringLiteral(" wobj y"));
+        // Approach and retract keep the horizontal displacement taught against the place pose.
         for (const char *name : {"approach", "retract"}) {
             const QString n = QLatin1String(name);
             const double dx = at(waypoint, n + QStringLiteral(".trans.#0")) - wx;
             const double dy = at(waypoint, n + QStringLiteral(".trans.#1")) - wy;
-            QVERIFY(sameBits(at(place, n + QStringLiteral(".trans.#0")), dx + x));
-            QVERIFY(sameBits(at(place, n + QStringLiteral(".trans.#1")), dy + y));
+            VERIFY_CLOSE(at(place, n + QStringLiteral(".trans.#0")), want.x + dx, where + QLatin1Char(' ') + n + QStringLiteral(" x"));
+            VERIFY_CLOSE(at(place, n + QStringLiteral(".trans.#1")), want.y + dy, where + QLatin1Char(' ') + n + QStringLiteral(" y"));
         }
+    }
+}
+
+// Place k sits on the grid cell (line, entry) of the reference grid.
+void TestPointGen::checkCells(orba::ModuleObject *pallet, const QVector<QPair<int, int>> &cells, int row, int col,
+                              int origin, const Calibration &c)
+{
+    const QVector<QVector<XY>> grid = referenceGrid(row, col, origin, c);
+    orba::ModuleObject *points = pallet->c(QStringLiteral("points"));
+    QCOMPARE(points->cmobjCount(), cells.size());
+    for (int k = 0; k < cells.size(); ++k) {
+        const XY want = grid[cells[k].first][cells[k].second];
+        VERIFY_CLOSE(at(points->c(k), QStringLiteral("wobj.trans.#0")), want.x, QStringLiteral("place %1 x").arg(k));
+        VERIFY_CLOSE(at(points->c(k), QStringLiteral("wobj.trans.#1")), want.y, QStringLiteral("place %1 y").arg(k));
     }
 }
 
@@ -268,14 +340,7 @@ void TestPointGen::workedExample()
     orba::ModuleObject *grid = pallet->r(QStringLiteral("calibrate.points"));
     QCOMPARE(grid->cmobjCount(), 2); // A = row
     QCOMPARE(grid->c(0)->cmobjCount(), 3); // B = col
-    const QVector<QPair<int, int>> cells = {{0, 0}, {0, 1}, {0, 2}, {1, 2}, {1, 1}, {1, 0}};
-    orba::ModuleObject *points = pallet->c(QStringLiteral("points"));
-    QCOMPARE(points->cmobjCount(), 6);
-    for (int k = 0; k < 6; ++k) {
-        orba::ModuleObject *entry = grid->c(cells[k].first)->c(cells[k].second);
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#0")), at(entry, QStringLiteral("#0"))));
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#1")), at(entry, QStringLiteral("#1"))));
-    }
+    checkCells(pallet, {{0, 0}, {0, 1}, {0, 2}, {1, 2}, {1, 1}, {1, 0}}, 2, 3, 0);
     checkGrid(pallet, 2, 3, 0, kSkewed);
     checkPlaces(pallet, 2, 3, 0, true, false);
 }
@@ -285,7 +350,6 @@ void TestPointGen::singlePlace()
     orba::ModuleObject *pallet = makePallet(1, 1, 0, false, false, kSkewed);
     tpallet::generatePoints1(pallet, nullptr);
     orba::ModuleObject *entry = pallet->r(QStringLiteral("calibrate.points.#0.#0"));
-    QVERIFY(sameBits(at(entry, QStringLiteral("#0")), 0.0 + 0.0));
     // With A = B = 1: x gets no skew and y no y_offset_34 term.
     QCOMPARE(at(entry, QStringLiteral("#0")), 0.0);
     QCOMPARE(at(entry, QStringLiteral("#1")), 0.0);
@@ -303,10 +367,9 @@ void TestPointGen::singleRowOriginZero()
     QCOMPARE(grid->c(0)->cmobjCount(), 4);
     for (int j = 0; j < 4; ++j) {
         orba::ModuleObject *entry = grid->c(0)->c(j);
-        // x = x_offset_13 / 3 * j, y = y_span / 3 * j; no y_offset_34 term with A = 1.
-        QVERIFY2(sameBits(at(entry, QStringLiteral("#0")), kSkewed.xOffset13 / 3 * j),
-                 qPrintable(bitsText(at(entry, QStringLiteral("#0")), kSkewed.xOffset13 / 3 * j)));
-        QVERIFY(sameBits(at(entry, QStringLiteral("#1")), kSkewed.ySpan / 3 * j));
+        // Along the edge P1-P3: x = x_offset_13 / 3 * j, y = y_span / 3 * j; no y_offset_34 term with A = 1.
+        VERIFY_CLOSE(at(entry, QStringLiteral("#0")), kSkewed.xOffset13 * j / 3.0, QStringLiteral("x[0][%1]").arg(j));
+        VERIFY_CLOSE(at(entry, QStringLiteral("#1")), kSkewed.ySpan * j / 3.0, QStringLiteral("y[0][%1]").arg(j));
     }
     checkPlaces(pallet, 1, 4, 0, false, false);
 }
@@ -321,8 +384,8 @@ void TestPointGen::singleColumnOriginZero()
         QCOMPARE(grid->c(i)->cmobjCount(), 1);
         orba::ModuleObject *entry = grid->c(i)->c(0);
         // No x skew at all, but the whole y_offset_34 spread along the column.
-        QVERIFY(sameBits(at(entry, QStringLiteral("#0")), kSkewed.xSpan / 3 * i));
-        QVERIFY(sameBits(at(entry, QStringLiteral("#1")), kSkewed.yOffset34 / 3 * i + 0.0));
+        VERIFY_CLOSE(at(entry, QStringLiteral("#0")), kSkewed.xSpan * i / 3.0, QStringLiteral("x[%1][0]").arg(i));
+        VERIFY_CLOSE(at(entry, QStringLiteral("#1")), kSkewed.yOffset34 * i / 3.0, QStringLiteral("y[%1][0]").arg(i));
     }
     QVERIFY(at(grid, QStringLiteral("#3.#0.#1")) > 0.0);
     checkPlaces(pallet, 4, 1, 0, false, false);
@@ -342,12 +405,7 @@ void TestPointGen::oddOriginTransposesGrid()
     QCOMPARE(points->cmobjCount(), 6);
     QCOMPARE(points->cmobjNames(), (QStringList{"#0", "#1", "#2", "#3", "#4", "#5"}));
     // Rows still run across the columns: position k = (row o, column t) sits on line t, entry o.
-    const QVector<QPair<int, int>> cells = {{0, 0}, {1, 0}, {2, 0}, {0, 1}, {1, 1}, {2, 1}};
-    for (int k = 0; k < 6; ++k) {
-        orba::ModuleObject *entry = grid->c(cells[k].first)->c(cells[k].second);
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#0")), at(entry, QStringLiteral("#0"))));
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#1")), at(entry, QStringLiteral("#1"))));
-    }
+    checkCells(pallet, {{0, 0}, {1, 0}, {2, 0}, {0, 1}, {1, 1}, {2, 1}}, 2, 3, 1);
     checkPlaces(pallet, 2, 3, 1, false, false);
 }
 
@@ -376,15 +434,7 @@ void TestPointGen::verticalRanking()
 {
     orba::ModuleObject *pallet = makePallet(2, 3, 0, false, true, kSkewed);
     tpallet::generatePoints1(pallet, nullptr);
-    orba::ModuleObject *grid = pallet->r(QStringLiteral("calibrate.points"));
-    orba::ModuleObject *points = pallet->c(QStringLiteral("points"));
-    QCOMPARE(points->cmobjCount(), 6);
-    const QVector<QPair<int, int>> cells = {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 2}, {1, 2}};
-    for (int k = 0; k < 6; ++k) {
-        orba::ModuleObject *entry = grid->c(cells[k].first)->c(cells[k].second);
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#0")), at(entry, QStringLiteral("#0"))));
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#1")), at(entry, QStringLiteral("#1"))));
-    }
+    checkCells(pallet, {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 2}, {1, 2}}, 2, 3, 0);
     checkPlaces(pallet, 2, 3, 0, false, true);
 }
 
@@ -392,14 +442,60 @@ void TestPointGen::verticalSerpentine()
 {
     orba::ModuleObject *pallet = makePallet(2, 3, 0, true, true, kSkewed);
     tpallet::generatePoints1(pallet, nullptr);
-    orba::ModuleObject *grid = pallet->r(QStringLiteral("calibrate.points"));
-    orba::ModuleObject *points = pallet->c(QStringLiteral("points"));
     // The second column runs backwards, so consecutive places stay neighbours.
-    const QVector<QPair<int, int>> cells = {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 2}, {1, 2}};
-    for (int k = 0; k < 6; ++k) {
-        orba::ModuleObject *entry = grid->c(cells[k].first)->c(cells[k].second);
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#0")), at(entry, QStringLiteral("#0"))));
-        QVERIFY(sameBits(at(points->c(k), QStringLiteral("wobj.trans.#1")), at(entry, QStringLiteral("#1"))));
+    checkCells(pallet, {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 2}, {1, 2}}, 2, 3, 0);
+    checkPlaces(pallet, 2, 3, 0, true, true);
+}
+
+void TestPointGen::gridCornersAreTheCalibratedCorners_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("col");
+    QTest::addColumn<int>("origin");
+    QTest::addColumn<double>("x13");
+    QTest::addColumn<double>("x24");
+    QTest::addColumn<double>("y34");
+    QTest::newRow("skewed 2x3 origin 0") << 2 << 3 << 0 << 0.05 << 0.2 << 0.03;
+    QTest::newRow("skewed 2x3 origin 1") << 2 << 3 << 1 << 0.05 << 0.2 << 0.03;
+    QTest::newRow("trapezoid 4x6 origin 2") << 4 << 6 << 2 << -0.07 << 0.021 << -0.011;
+    QTest::newRow("only P3 off 5x5") << 5 << 5 << 0 << 0.1 << 0.0 << 0.0;
+    QTest::newRow("only P4 off 5x5") << 5 << 5 << 3 << 0.0 << 0.1 << 0.04;
+}
+
+void TestPointGen::gridCornersAreTheCalibratedCorners()
+{
+    QFETCH(int, row);
+    QFETCH(int, col);
+    QFETCH(int, origin);
+    QFETCH(double, x13);
+    QFETCH(double, x24);
+    QFETCH(double, y34);
+    const Calibration c{1.1, 0.7, x13, x24, y34};
+    orba::ModuleObject *pallet = makePallet(row, col, origin, false, false, c);
+    tpallet::generateBasePoints(pallet, nullptr);
+    orba::ModuleObject *grid = pallet->r(QStringLiteral("calibrate.points"));
+    const int last = grid->cmobjCount() - 1;
+    const int lastEntry = grid->c(0)->cmobjCount() - 1;
+    QVERIFY(last > 0 && lastEntry > 0);
+    // First line from P1 to P3, last line from P2 to P4.
+    const Corners q = cornersOf(c);
+    const struct
+    {
+        const char *name;
+        int line;
+        int entry;
+        XY want;
+    } corners[] = {{"P1", 0, 0, q.p1}, {"P2", last, 0, q.p2}, {"P3", 0, lastEntry, q.p3}, {"P4", last, lastEntry, q.p4}};
+    for (const auto &corner : corners) {
+        orba::ModuleObject *entry = grid->c(corner.line)->c(corner.entry);
+        VERIFY_CLOSE(at(entry, QStringLiteral("#0")), corner.want.x, QString::fromLatin1(corner.name) + QStringLiteral(" x"));
+        VERIFY_CLOSE(at(entry, QStringLiteral("#1")), corner.want.y, QString::fromLatin1(corner.name) + QStringLiteral(" y"));
+    }
+    // The centre of the grid is the mean of the four corners.
+    if (last % 2 == 0 && lastEntry % 2 == 0) {
+        orba::ModuleObject *centre = grid->c(last / 2)->c(lastEntry / 2);
+        VERIFY_CLOSE(at(centre, QStringLiteral("#0")), (q.p1.x + q.p2.x + q.p3.x + q.p4.x) / 4.0, "centre x");
+        VERIFY_CLOSE(at(centre, QStringLiteral("#1")), (q.p1.y + q.p2.y + q.p3.y + q.p4.y) / 4.0, "centre y");
     }
 }
 
@@ -502,7 +598,7 @@ void TestPointGen::skewUsesOneFusedMultiplyAdd()
     QVERIFY(sameBits(separate, 0x1.599999999999ap+0)); // 1.35
 
     const double got = at(pallet, QStringLiteral("calibrate.points.#1.#3.#0"));
-    QVERIFY2(sameBits(got, fused), qPrintable(bitsText(got, fused)));
+    QVERIFY2(sameBits(got, fused), qPrintable(valuesText(got, fused)));
 }
 
 void TestPointGen::posesAreCopiedThenOverwritten()
@@ -528,8 +624,8 @@ void TestPointGen::posesAreCopiedThenOverwritten()
     }
     // The taught wobj's own x, y only matter through the two differences.
     QCOMPARE(at(points, QStringLiteral("#0.wobj.trans.#0")), 0.0);
-    QVERIFY(sameBits(at(points, QStringLiteral("#0.approach.trans.#0")), (0.31 - 0.3) + 0.0));
-    QVERIFY(sameBits(at(points, QStringLiteral("#0.retract.trans.#1")), (0.45 - 0.4) + 0.0));
+    VERIFY_CLOSE(at(points, QStringLiteral("#0.approach.trans.#0")), 0.01, "first approach x");
+    VERIFY_CLOSE(at(points, QStringLiteral("#0.retract.trans.#1")), 0.05, "first retract y");
     // The taught way points themselves are not changed.
     QCOMPARE(at(waypoint, QStringLiteral("wobj.trans.#0")), 0.3);
     QCOMPARE(at(waypoint, QStringLiteral("approach.trans.#1")), 0.37);
@@ -642,7 +738,8 @@ void TestPointGen::missingWayPointsGiveEmptyPoses()
     QCOMPARE(retract->cmobjNames(), QStringList{QStringLiteral("trans")});
     QCOMPARE(retract->c(QStringLiteral("trans"))->cmobjCount(), 2);
     // The missing pose reads as 0, so its offset is -wobj.
-    QVERIFY(sameBits(at(retract, QStringLiteral("trans.#0")), (0.0 - 0.3) + at(pallet, QStringLiteral("points.#1.wobj.trans.#0"))));
+    VERIFY_CLOSE(at(retract, QStringLiteral("trans.#0")), at(pallet, QStringLiteral("points.#1.wobj.trans.#0")) - 0.3,
+                 "retract x");
 }
 
 void TestPointGen::senderReachesEveryWrite()

@@ -71,10 +71,18 @@ private slots:
     void perPalletLoadProgressValues();
     void legacyControllerLoadsWholeListWithoutProgress();
     void listReplyWithoutDataLeavesListEmpty();
-    void fewerPalletsThanAnnouncedKeepsOnlyCompleteOnes();
-    void wrongTypesNeverShowHalfFilledPallets_data();
-    void wrongTypesNeverShowHalfFilledPallets();
-    void legacyReplyWithWrongTypesEndsEmpty();
+    void failedQueryKeepsItsPositionAndLoadGoesOn_data();
+    void failedQueryKeepsItsPositionAndLoadGoesOn();
+    void fewerPalletsThanAnnouncedKeepsEveryPosition();
+    void replyDataIsMovedWhateverItHolds_data();
+    void replyDataIsMovedWhateverItHolds();
+    void legacyReadIsTakenAsItIs_data();
+    void legacyReadIsTakenAsItIs();
+    void legacyFailedReadLeavesListEmpty();
+    void pageGoneMidLoadEndsTheLoad_data();
+    void pageGoneMidLoadEndsTheLoad();
+    void pageWidgetGoneMidLoadStillLoadsTheList();
+    void elementGoneMidQueryIsNotFilled();
     void disconnectMidLoadThenNextConnectionReloads();
     void secondConnectionReplacesCopyAndClosesBoundDialog();
     void connectionDuringLoadReloadsAfterwards();
@@ -247,7 +255,44 @@ void TstSync::listReplyWithoutDataLeavesListEmpty()
     QCOMPARE(page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), 0);
 }
 
-void TstSync::fewerPalletsThanAnnouncedKeepsOnlyCompleteOnes()
+void TstSync::failedQueryKeepsItsPositionAndLoadGoesOn_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("refused") << -1;
+    QTest::newRow("controller error") << -5;
+    QTest::newRow("positive status") << 4;
+}
+
+void TstSync::failedQueryKeepsItsPositionAndLoadGoesOn()
+{
+    QFETCH(int, status);
+    m_fx.setCapabilities(kFullProtocol);
+    m_fx.transport()->setReply(QStringLiteral("tray.query.list"), 0, listJson({"a", "b", "c"}));
+    m_fx.transport()->queueReply(QStringLiteral("tray.query.one"), 0, PalletFixture::palletJson("a", 1, 1, 0));
+    m_fx.transport()->queueReply(QStringLiteral("tray.query.one"), status);
+    m_fx.transport()->queueReply(QStringLiteral("tray.query.one"), 0, PalletFixture::palletJson("c", 3, 2, 2));
+    QList<int> seen;
+    connect(page(), &PalletPage::loadProgress, this, [&](int value) { seen << value; });
+    m_fx.connectController();
+
+    // One query per announced pallet, the third one asked for although the second failed.
+    const auto queries = m_fx.requestsOf(QStringLiteral("tray.query.one"));
+    QCOMPARE(queries.size(), 3);
+    QCOMPARE(queries.at(2).paramsJson, QByteArray("2"));
+    // Every position has its element; the failed one stays empty, the third is loaded.
+    orba::ModuleObject *pallets = tpallet::palletsNode();
+    QCOMPARE(pallets->cmobjNames(), (QStringList{"#0", "#1", "#2"}));
+    QCOMPARE(pallets->c(1)->cmobjCount(), 0);
+    QCOMPARE(palletNames(), (QStringList{"a", "", "c"}));
+    QCOMPARE(pallets->c(2)->r(QStringLiteral("pattern.row"))->getInt(), 3);
+    QCOMPARE(pallets->c(2)->c(QStringLiteral("index"), false)->getInt(-1), 2);
+    // Initial 0, then i * 100 / 3 after each pallet i, then 100.
+    QCOMPARE(seen, (QList<int>{0, 0, 33, 66, 100}));
+    QVERIFY(!page()->progressDialog()->isVisible());
+    QCOMPARE(page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), 3);
+}
+
+void TstSync::fewerPalletsThanAnnouncedKeepsEveryPosition()
 {
     m_fx.setCapabilities(kFullProtocol);
     scriptPallets({"a", "b"});
@@ -258,57 +303,203 @@ void TstSync::fewerPalletsThanAnnouncedKeepsOnlyCompleteOnes()
     m_fx.connectController();
 
     QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.query.one")).size(), 3);
-    QCOMPARE(palletNames(), (QStringList{"a", "b"}));
-    QCOMPARE(seen, (QList<int>{0, 0, 33, 100}));
+    QCOMPARE(palletNames(), (QStringList{"a", "b", ""}));
+    QCOMPARE(tpallet::palletsNode()->c(2)->cmobjCount(), 0);
+    QCOMPARE(seen, (QList<int>{0, 0, 33, 66, 100}));
     QVERIFY(!page()->progressDialog()->isVisible());
-    bool logged = false;
-    for (const orba::LogLine &line : m_fx.logLines())
-        logged = logged || (line.colour == QLatin1String("\033[31m") && line.message.startsWith(QLatin1String("pallet load error!")));
-    QVERIFY(logged);
-    QCOMPARE(page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), 2);
+    QCOMPARE(page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), 3);
 }
 
-void TstSync::wrongTypesNeverShowHalfFilledPallets_data()
+void TstSync::replyDataIsMovedWhateverItHolds_data()
 {
     QTest::addColumn<QByteArray>("secondReply");
-    QTest::addColumn<QStringList>("expected");
-    QTest::newRow("data is a number") << QByteArray("5") << QStringList{"a"};
-    QTest::newRow("data is a text") << QByteArray("\"tray\"") << QStringList{"a"};
-    QTest::newRow("data is null") << QByteArray("null") << QStringList{"a"};
-    QTest::newRow("data is an object") << PalletFixture::palletJson("b", 1, 1, 1) << QStringList{"a", "b", "c"};
+    QTest::addColumn<QStringList>("secondChildren");
+    QTest::newRow("data is a number") << QByteArray("5") << QStringList{};
+    QTest::newRow("data is a text") << QByteArray("\"tray\"") << QStringList{};
+    QTest::newRow("data is null") << QByteArray("null") << QStringList{};
+    QTest::newRow("data is missing") << QByteArray() << QStringList{};
+    QTest::newRow("data is an empty object") << QByteArray("{}") << QStringList{};
+    QTest::newRow("data is an array") << QByteArray("[1,{\"x\":2}]") << QStringList{"#0", "#1"};
+    QTest::newRow("data is a partial pallet") << QByteArray("{\"name\":\"b\",\"extra\":true}") << QStringList{"name", "extra"};
+    QTest::newRow("data is a pallet") << PalletFixture::palletJson("b", 1, 1, 1)
+                                      << QStringList{"name", "desc", "index", "pattern", "calibrate", "waypoint", "points"};
 }
 
-void TstSync::wrongTypesNeverShowHalfFilledPallets()
+void TstSync::replyDataIsMovedWhateverItHolds()
 {
     QFETCH(QByteArray, secondReply);
-    QFETCH(QStringList, expected);
+    QFETCH(QStringList, secondChildren);
     m_fx.setCapabilities(kFullProtocol);
     m_fx.transport()->setReply(QStringLiteral("tray.query.list"), 0, listJson({"a", "b", "c"}));
     m_fx.transport()->queueReply(QStringLiteral("tray.query.one"), 0, PalletFixture::palletJson("a", 1, 1, 0));
     m_fx.transport()->queueReply(QStringLiteral("tray.query.one"), 0, secondReply);
     m_fx.transport()->queueReply(QStringLiteral("tray.query.one"), 0, PalletFixture::palletJson("c", 1, 1, 2));
+    QList<int> seen;
+    connect(page(), &PalletPage::loadProgress, this, [&](int value) { seen << value; });
     m_fx.connectController();
 
-    QCOMPARE(palletNames(), expected);
     orba::ModuleObject *pallets = tpallet::palletsNode();
-    for (int i = 0; i < pallets->cmobjCount(); ++i)
-        QVERIFY(pallets->c(i)->hasRmobj(QStringLiteral("pattern.row")));
+    QCOMPARE(pallets->cmobjCount(), 3);
+    QCOMPARE(pallets->c(1)->cmobjNames(), secondChildren);
+    // Only the children move: the element itself takes no value from the reply.
+    QVERIFY(!pallets->c(1)->hasValue());
+    QCOMPARE(pallets->c(0)->c(QStringLiteral("name"), false)->getString(), QStringLiteral("a"));
+    QCOMPARE(pallets->c(2)->c(QStringLiteral("name"), false)->getString(), QStringLiteral("c"));
+    QCOMPARE(seen, (QList<int>{0, 0, 33, 66, 100}));
     QVERIFY(!page()->progressDialog()->isVisible());
 }
 
-void TstSync::legacyReplyWithWrongTypesEndsEmpty()
+void TstSync::legacyReadIsTakenAsItIs_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QList<int>>("childCounts");
+    QTest::newRow("elements without children")
+        << 0 << QByteArray("[1,2]") << QStringList{"", ""} << QList<int>{0, 0};
+    QTest::newRow("a pallet and an empty element")
+        << 0 << "[" + PalletFixture::palletJson("old1", 2, 2, 0) + ",{}]" << QStringList{"old1", ""} << QList<int>{7, 0};
+    QTest::newRow("non-zero status")
+        << 3 << "[" + PalletFixture::palletJson("old1", 2, 2, 0) + "," + PalletFixture::palletJson("old2", 3, 1, 1) + "]"
+        << QStringList{"old1", "old2"} << QList<int>{7, 7};
+}
+
+void TstSync::legacyReadIsTakenAsItIs()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, data);
+    QFETCH(QStringList, names);
+    QFETCH(QList<int>, childCounts);
+    m_fx.setCapabilities(kLegacyProtocol);
+    m_fx.transport()->setReply(QStringLiteral("tray.data"), status, data);
+    QSignalSpy progress(page(), &PalletPage::loadProgress);
+    m_fx.connectController();
+
+    QCOMPARE(m_fx.palletMethods(), QStringList{"tray.data"});
+    QCOMPARE(palletNames(), names);
+    orba::ModuleObject *pallets = tpallet::palletsNode();
+    QList<int> counts;
+    for (int i = 0; i < pallets->cmobjCount(); ++i)
+        counts << pallets->c(i)->cmobjCount();
+    QCOMPARE(counts, childCounts);
+    QCOMPARE(progress.count(), 0);
+    QCOMPARE(page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), names.size());
+}
+
+void TstSync::legacyFailedReadLeavesListEmpty()
 {
     m_fx.setCapabilities(kLegacyProtocol);
-    m_fx.transport()->setReply(QStringLiteral("tray.data"), 0, "[1,2]");
+    m_fx.transport()->setReply(QStringLiteral("tray.data"), 0, "[" + PalletFixture::palletJson("old1", 2, 2, 0) + "]");
     m_fx.connectController();
-    QCOMPARE(tpallet::palletsNode()->cmobjCount(), 0);
-    QVERIFY(!tpallet::palletsNode()->hasValue());
-    QVERIFY(m_fx.logMessages().filter(QStringLiteral("pallet load error!")).size() == 1);
+    QCOMPARE(palletNames(), QStringList{"old1"});
 
-    // A failing read leaves an empty list as well.
+    // The load clears first; a read that brings nothing leaves it so.
     m_fx.transport()->setReply(QStringLiteral("tray.data"), -1);
     page()->loadFromRC();
     QCOMPARE(tpallet::palletsNode()->cmobjCount(), 0);
+    QCOMPARE(page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), 0);
+}
+
+void TstSync::pageGoneMidLoadEndsTheLoad_data()
+{
+    QTest::addColumn<bool>("duringQuery");
+    QTest::newRow("while the controller answers") << true;
+    QTest::newRow("while the progress is shown") << false;
+}
+
+void TstSync::pageGoneMidLoadEndsTheLoad()
+{
+    QFETCH(bool, duringQuery);
+    m_fx.setCapabilities(kFullProtocol);
+    const QStringList names{"a", "b", "c"};
+    m_fx.transport()->setReply(QStringLiteral("tray.query.list"), 0, listJson(names));
+    QPointer<PalletPage> guard = page();
+    m_fx.transport()->setHandler([&](const orbat::ScriptedTransport::Request &request) {
+        orbat::ScriptedTransport::Reply reply;
+        if (request.method != QLatin1String("tray.query.one"))
+            return reply;
+        const int i = request.params->getInt(-1);
+        if (duringQuery && i == 1)
+            delete guard.data();
+        reply.dataJson = PalletFixture::palletJson(names.value(i), 1, 1, i);
+        return reply;
+    });
+    QList<int> seen;
+    connect(page(), &PalletPage::loadProgress, this, [&](int value) {
+        seen << value;
+        if (!duringQuery && value == 33)
+            delete guard.data();
+    });
+    m_fx.connectController();
+
+    QVERIFY(!guard);
+    // Nothing is asked after the page went.
+    QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.query.one")).size(), 2);
+    QCOMPARE(tpallet::palletsNode()->cmobjCount(), 2);
+    QCOMPARE(seen, duringQuery ? (QList<int>{0, 0}) : (QList<int>{0, 0, 33}));
+}
+
+void TstSync::pageWidgetGoneMidLoadStillLoadsTheList()
+{
+    m_fx.setCapabilities(kFullProtocol);
+    const QStringList names{"a", "b", "c"};
+    m_fx.transport()->setReply(QStringLiteral("tray.query.list"), 0, listJson(names));
+    QPointer<QWidget> widget = page()->wgt();
+    QPointer<QProgressDialog> dialog = page()->progressDialog();
+    m_fx.transport()->setHandler([&](const orbat::ScriptedTransport::Request &request) {
+        orbat::ScriptedTransport::Reply reply;
+        if (request.method != QLatin1String("tray.query.one"))
+            return reply;
+        const int i = request.params->getInt(-1);
+        // The host takes the page's widget down, progress dialog and table with it.
+        if (i == 1)
+            delete widget.data();
+        reply.dataJson = PalletFixture::palletJson(names.value(i), 1, 1, i);
+        return reply;
+    });
+    QList<int> seen;
+    connect(page(), &PalletPage::loadProgress, this, [&](int value) { seen << value; });
+    m_fx.connectController();
+
+    QVERIFY(!widget);
+    QVERIFY(!dialog);
+    // The data still arrives; only the screen is gone.
+    QCOMPARE(palletNames(), names);
+    QCOMPARE(seen, (QList<int>{0, 0, 33, 66, 100}));
+
+    // A later connection loads again without a screen to show it on.
+    m_fx.transport()->clearRequests();
+    page()->loadFromRC();
+    QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.query.one")).size(), 3);
+    QCOMPARE(palletNames(), names);
+}
+
+void TstSync::elementGoneMidQueryIsNotFilled()
+{
+    m_fx.setCapabilities(kFullProtocol);
+    const QStringList names{"a", "b", "c"};
+    m_fx.transport()->setReply(QStringLiteral("tray.query.list"), 0, listJson(names));
+    m_fx.transport()->setHandler([&](const orbat::ScriptedTransport::Request &request) {
+        orbat::ScriptedTransport::Reply reply;
+        if (request.method != QLatin1String("tray.query.one"))
+            return reply;
+        const int i = request.params->getInt(-1);
+        // Something else removes the element being filled.
+        if (i == 1) {
+            orba::ModuleObject *pallets = tpallet::palletsNode();
+            pallets->remove(nullptr, pallets->c(pallets->cmobjCount() - 1));
+        }
+        reply.dataJson = PalletFixture::palletJson(names.value(i), 1, 1, i);
+        return reply;
+    });
+    QList<int> seen;
+    connect(page(), &PalletPage::loadProgress, this, [&](int value) { seen << value; });
+    m_fx.connectController();
+
+    QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.query.one")).size(), 3);
+    QCOMPARE(palletNames(), (QStringList{"a", "c"}));
+    QCOMPARE(seen, (QList<int>{0, 0, 33, 66, 100}));
+    QVERIFY(!page()->progressDialog()->isVisible());
 }
 
 void TstSync::disconnectMidLoadThenNextConnectionReloads()
@@ -332,11 +523,15 @@ void TstSync::disconnectMidLoadThenNextConnectionReloads()
     });
     m_fx.connectController();
 
-    QCOMPARE(palletNames(), QStringList{"a"});
+    // The link went during the second query: that one and the third (which finds no link to go out
+    // on) bring nothing, but keep their rows.
+    QCOMPARE(m_fx.requestsOf(QStringLiteral("tray.query.one")).size(), 2);
+    QCOMPARE(palletNames(), (QStringList{"a", "", ""}));
     QVERIFY(!page()->progressDialog()->isVisible());
     QTableWidget *table = page()->wgt()->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
-    QCOMPARE(table->rowCount(), 1);
+    QCOMPARE(table->rowCount(), 3);
     QCOMPARE(table->item(0, 0)->text(), QStringLiteral("a"));
+    QCOMPARE(table->item(1, 0)->text(), QString());
 
     dropOnSecond = false;
     m_fx.connectController();
@@ -538,6 +733,14 @@ void TstSync::addCountMismatchIsLogged()
         }
     }
     QCOMPARE(errors, errorLogged ? 1 : 0);
+    // The operator learns it from the configuration log, not from a message box.
+    QStringList cfgErrors;
+    for (const QVariantMap &entry : tcore::ManagerHelper::instance()->logHistory()) {
+        if (entry.value(QStringLiteral("level")).toString() == QLatin1String("error"))
+            cfgErrors << entry.value(QStringLiteral("title")).toString();
+    }
+    QCOMPARE(cfgErrors, errorLogged ? QStringList{"Tray added was not stored on the controller, it will be lost at the next reload!"}
+                                    : QStringList{});
     QVERIFY(tcore::ManagerHelper::instance()->msgHistory().isEmpty());
     QVERIFY(refresh.count() >= 1);
     PalletFixture::flushDeletes();

@@ -27,8 +27,8 @@ NewPalletDialog::NewPalletDialog(orba::ModuleObject *pallet, QWidget *parent)
     , m_isNew(pallet == nullptr)
 {
     tpallet::makeUniqueDialog(this);
-    // A new pallet has no node yet; the list stands in, so the dialog still closes with the tree.
-    tpallet::bindDialogToNode(this, m_isNew ? tpallet::palletsNode() : pallet);
+    // Edit mode closes with its pallet; a new pallet has no node yet, so nothing binds it.
+    tpallet::bindDialogToNode(this, pallet);
 
     m_ui->setupUi(this);
     m_ui->edtName->setValidator(new QRegularExpressionValidator(
@@ -51,8 +51,6 @@ NewPalletDialog::NewPalletDialog(orba::ModuleObject *pallet, QWidget *parent)
         m_ui->edtDesc->setText(m_pallet->c(QStringLiteral("desc"))->getString());
         m_ui->spnCol->setValue(m_pallet->r(QStringLiteral("pattern.col"))->getInt());
         m_ui->spnRow->setValue(m_pallet->r(QStringLiteral("pattern.row"))->getInt());
-        // An existing pallet keeps its own data; cloning only makes sense for a new one.
-        m_ui->rdbClone->setEnabled(false);
     }
 
     for (orba::ModuleObject *p : tpallet::palletsNode()->cmobjs(false))
@@ -71,7 +69,7 @@ void NewPalletDialog::initPallet(orba::ModuleObject *pallet)
     if (!pallet || pallet->isEmpty())
         return;
     orba::ModuleObject *toolset = pallet->c(QStringLiteral("calibrate"), true)->c(QStringLiteral("toolset"), true);
-    if (toolset->c(QStringLiteral("ref"))->isNull())
+    if (toolset->c(QStringLiteral("ref"))->isEmpty())
         tpallet::identityToolsetNode(toolset);
     tpallet::initWayPointNode(pallet);
     tpallet::generatePoints1(pallet, nullptr);
@@ -125,8 +123,13 @@ void NewPalletDialog::addPallet()
     pallet->set(this, QStringLiteral("desc"), m_ui->edtDesc->text(), true);
 
     const orba::MobjPtr reply = tservice()->execCommand(this, QStringLiteral("tray.add_one"), pallet);
-    if (reply->r(QStringLiteral("data.size"))->getInt() != pallets->size())
+    if (reply->r(QStringLiteral("data.size"))->getInt() != pallets->size()) {
         tpallet::logError(QStringLiteral("pallet add error!"));
+        // The row stays in the table until the next reload: say that it is not on the controller.
+        tpallet::recordCfgLog(tr("Tray %1 was not stored on the controller, it will be lost at the next reload!")
+                                  .arg(m_ui->edtName->text()),
+                              true);
+    }
 }
 
 void NewPalletDialog::editPallet()
@@ -153,6 +156,10 @@ void NewPalletDialog::work()
 {
     if (!m_isNew && !m_pallet)
         return;
+    // Ok takes no focus, so a half-typed count ("0", "") may still be on screen: settle it to the
+    // value that will be used, and show that.
+    m_ui->spnRow->interpretText();
+    m_ui->spnCol->interpretText();
     if (!validate())
         return;
     if (m_isNew)

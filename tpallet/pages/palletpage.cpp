@@ -178,7 +178,12 @@ void PalletPage::loadFromRC()
         m_reloadPending = true;
         return;
     }
+    // Loading shows a window-modal progress dialog, which processes events: the page may go.
+    QPointer<PalletPage> self(this);
     initPalletFromRC();
+    // Without its widget the page has no table to rebuild.
+    if (!self || !m_widget)
+        return;
     refreshTable();
 }
 
@@ -189,6 +194,7 @@ void PalletPage::initPalletFromRC()
         m_reloadPending = true;
         return;
     }
+    QPointer<PalletPage> self(this);
     m_loading = true;
     do {
         m_reloadPending = false;
@@ -197,70 +203,76 @@ void PalletPage::initPalletFromRC()
             loadPerPallet();
         else
             loadWholeList();
+        if (!self)
+            return;
     } while (m_reloadPending);
     m_loading = false;
     if (m_refreshPending) {
         m_refreshPending = false;
-        refreshTable();
+        if (m_widget)
+            refreshTable();
     }
 }
 
 void PalletPage::loadPerPallet()
 {
+    QPointer<PalletPage> self(this);
     orba::MobjPtr list = tservice()->execCommand(this, QStringLiteral("tray.query.list"));
-    if (!list->hasCmobj(QStringLiteral("data"), false))
+    if (!self || !list->hasCmobj(QStringLiteral("data"), false))
         return;
     const int n = list->c(QStringLiteral("data"), false)->size();
 
-    m_progress->reset();
-    m_progress->show();
+    // The dialog is a child of the page's widget, which the host may destroy independently.
+    if (m_widget) {
+        m_progress->reset();
+        m_progress->show();
+    }
     setProgress(0);
+    if (!self)
+        return;
 
+    // Every position gets its element, whatever its reply: the controller's numbering is kept.
     for (int i = 0; i < n && !m_reloadPending; ++i) {
         orba::ModuleObject *target = pallets();
         QPointer<orba::ModuleObject> element = target->append(this, QStringLiteral("#%1").arg(target->cmobjCount()));
         orba::ModuleObject param(QStringLiteral("param"));
         param.setValue(this, i, true);
-        const int status = tservice()->execCommandAt(this, QStringLiteral("tray.query.one"), &param);
+        tservice()->execCommandAt(this, QStringLiteral("tray.query.one"), &param);
+        if (!self)
+            return;
         orba::ModuleObject *data = param.c(QStringLiteral("data"), false);
-        if (!element)
-            break;
-        if (status != 0 || data->cmobjCount() == 0) {
-            // A pallet is shown whole or not at all; the rest of the list would be out of step.
-            target->remove(this, element.data());
-            tpallet::logError(QStringLiteral("pallet load error! index %1 of %2, status %3").arg(i).arg(n).arg(status));
-            break;
-        }
-        while (data->cmobjCount() > 0)
+        // Something else may have removed the element meanwhile: there is nothing to fill then.
+        while (element && data->cmobjCount() > 0)
             element->append(this, data->take(this, 0));
         setProgress(i * 100 / n);
+        if (!self)
+            return;
     }
 
     setProgress(100);
+    if (!self)
+        return;
     // reset() also stops the dialog's own delayed show, which a fast load would leave pending.
-    m_progress->reset();
-    m_progress->hide();
+    if (m_widget) {
+        m_progress->reset();
+        m_progress->hide();
+    }
 }
 
 void PalletPage::loadWholeList()
 {
-    orba::ModuleObject *target = pallets();
-    const int status = tservice()->getAt(this, QStringLiteral("tray.data"), target, 0);
-    bool valid = status == 0;
-    for (int i = 0; valid && i < target->cmobjCount(); ++i)
-        valid = target->c(i)->cmobjCount() > 0;
-    if (!valid) {
-        tpallet::logError(QStringLiteral("pallet load error! tray.data status %1").arg(status));
-        target->clear(this, true, false);
-    }
-    if (target->hasValue())
-        target->setValue(this, QVariant(), true);
+    // One read fills the list; a failed read leaves it as the load cleared it.
+    tservice()->getAt(this, QStringLiteral("tray.data"), pallets(), 0);
 }
 
 void PalletPage::setProgress(int value)
 {
-    m_progress->setValue(value);
-    emit loadProgress(value);
+    QPointer<PalletPage> self(this);
+    // A window-modal progress dialog processes events while its value is set.
+    if (m_widget)
+        m_progress->setValue(value);
+    if (self)
+        emit loadProgress(value);
 }
 
 void PalletPage::refreshTable()

@@ -51,6 +51,10 @@
         <source>Total wobj number can not be greater than %1!</source>
         <translation>工件总数不能大于%1！</translation>
     </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>托盘 %1 未保存到控制器，下次重新加载时将丢失！</translation>
+    </message>
 </context>
 <context>
     <name>PalletPage</name>
@@ -251,6 +255,476 @@
     <message>
         <source>Form</source>
         <translation>窗体</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard</name>
+    <message>
+        <source>Load</source>
+        <translation>负载</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>质量 (kg)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>重心 X (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>重心 Y (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>重心 Z (mm)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>惯量 X (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>惯量 Y (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>惯量 Z (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>平移</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>旋转</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>欧拉角</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>四元数</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>VL 工具</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>导入</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.可以手动编辑工具，或从VL工程导入。&lt;/p&gt;&lt;p&gt;2.仅支持导入机器人握持的工具。&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard2</name>
+    <message>
+        <source>Load</source>
+        <translation>负载</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>质量 (kg)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>重心 X (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>重心 Y (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>重心 Z (mm)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>惯量 X (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>惯量 Y (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>惯量 Z (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>平移</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>旋转</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>欧拉角</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>四元数</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>VL 工具</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>导入</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.可以手动编辑工具，或从VL工程导入。&lt;/p&gt;&lt;p&gt;2.仅支持导入机器人握持的工具。&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolStep</name>
+    <message>
+        <source>Tray tool will be replaced, are you sure to import?</source>
+        <translation>托盘工具将被替换，确定导入吗？</translation>
+    </message>
+    <message>
+        <source>Invalid tool: %1</source>
+        <translation>无效的工具：%1</translation>
+    </message>
+</context>
+<context>
+    <name>MoveToDialog</name>
+    <message>
+        <source>Move To</source>
+        <translation>移动到点</translation>
+    </message>
+    <message>
+        <source>Move Type</source>
+        <translation>运动类型</translation>
+    </message>
+    <message>
+        <source>Move AbsJ</source>
+        <translation>Move AbsJ</translation>
+    </message>
+    <message>
+        <source>Move J</source>
+        <translation>Move J</translation>
+    </message>
+    <message>
+        <source>Move L</source>
+        <translation>Move L</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>速度</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>点位</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>偏移</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>Offs</source>
+        <translation>Offs</translation>
+    </message>
+    <message>
+        <source>Reltool</source>
+        <translation>Reltool</translation>
+    </message>
+    <message>
+        <source>XYZ(mm)</source>
+        <translation>XYZ(mm)</translation>
+    </message>
+    <message>
+        <source>ABC(°)</source>
+        <translation>ABC(°)</translation>
+    </message>
+    <message>
+        <source>Caution: Jog and Move will be effected according to selected coordinate system and payload.</source>
+        <translation>注意：点动和运动将按照所选的坐标系和负载执行。</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>当前</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>目标</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>确认</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+    <message>
+        <source>Start Moving</source>
+        <translation>开始运动</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>&lt;h2&gt;Move Robot into Position: %1 &lt;/h2&gt;</source>
+        <translation>&lt;h2&gt;移动机器人到位置：%1 &lt;/h2&gt;</translation>
+    </message>
+    <message>
+        <source>J1(%1)</source>
+        <translation>J1(%1)</translation>
+    </message>
+    <message>
+        <source>J2(%1)</source>
+        <translation>J2(%1)</translation>
+    </message>
+    <message>
+        <source>J3(%1)</source>
+        <translation>J3(%1)</translation>
+    </message>
+    <message>
+        <source>J4(%1)</source>
+        <translation>J4(%1)</translation>
+    </message>
+    <message>
+        <source>J5(%1)</source>
+        <translation>J5(%1)</translation>
+    </message>
+    <message>
+        <source>J6(%1)</source>
+        <translation>J6(%1)</translation>
+    </message>
+    <message>
+        <source>J7(%1)</source>
+        <translation>J7(%1)</translation>
+    </message>
+    <message>
+        <source>X(mm)</source>
+        <translation>X(mm)</translation>
+    </message>
+    <message>
+        <source>Y(mm)</source>
+        <translation>Y(mm)</translation>
+    </message>
+    <message>
+        <source>Z(mm)</source>
+        <translation>Z(mm)</translation>
+    </message>
+    <message>
+        <source>A(%1)</source>
+        <translation>A(%1)</translation>
+    </message>
+    <message>
+        <source>B(%1)</source>
+        <translation>B(%1)</translation>
+    </message>
+    <message>
+        <source>C(%1)</source>
+        <translation>C(%1)</translation>
+    </message>
+    <message>
+        <source>The robot is power off!</source>
+        <translation>机器人未上电！</translation>
+    </message>
+    <message>
+        <source>Can not read the robot posture!</source>
+        <translation>无法读取机器人位姿！</translation>
+    </message>
+    <message>
+        <source>Can not read the point %1 from the controller!</source>
+        <translation>无法从控制器读取点位 %1！</translation>
+    </message>
+    <message>
+        <source>The offset is out of range!</source>
+        <translation>偏移量超出范围！</translation>
+    </message>
+    <message>
+        <source>SDK Move Error</source>
+        <translation>SDK 运动错误</translation>
+    </message>
+    <message>
+        <source>The controller link is lost, the move is stopped!</source>
+        <translation>与控制器的连接已断开，运动已停止！</translation>
+    </message>
+</context>
+<context>
+    <name>CalibrateSetWizard</name>
+    <message>
+        <source> is too close to each other, are you sure to calibrate?</source>
+        <translation> 相距太近，确定要标定吗？</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>获取</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>移动到</translation>
+    </message>
+    <message>
+        <source>Calibrate</source>
+        <translation>标定</translation>
+    </message>
+    <message>
+        <source>P1</source>
+        <translation>P1</translation>
+    </message>
+    <message>
+        <source>P2</source>
+        <translation>P2</translation>
+    </message>
+    <message>
+        <source>P3</source>
+        <translation>P3</translation>
+    </message>
+    <message>
+        <source>P4</source>
+        <translation>P4</translation>
+    </message>
+    <message>
+        <source>Pallet Frame</source>
+        <translation>托盘坐标系</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>已切换到托盘工件坐标系</translation>
+    </message>
+    <message>
+        <source>Teach P1 at the origin corner, P2 along the pallet's X axis and P3 along its Y axis, as the picture shows.</source>
+        <translation>如图所示，在原点角示教P1，沿托盘X轴示教P2，沿Y轴示教P3。</translation>
+    </message>
+    <message>
+        <source>Use P4</source>
+        <translation>使用P4</translation>
+    </message>
+    <message>
+        <source>swith to pallet toolset failed</source>
+        <translation>切换到托盘工具组失败</translation>
+    </message>
+</context>
+<context>
+    <name>WayPointWizard</name>
+    <message>
+        <source>&lt;p&gt;1.Please grab the work object to the origin point when accquiring P5,P6,P7.&lt;/p&gt;&lt;p&gt;2.The other work object's coordinates will be caculated according to the reference point.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.获取P5、P6、P7时，请将工件抓取到原点位置。&lt;/p&gt;&lt;p&gt;2.其他工件的坐标将根据参考点计算。&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>获取</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>移动到</translation>
+    </message>
+    <message>
+        <source>Approach P5</source>
+        <translation>接近点 P5</translation>
+    </message>
+    <message>
+        <source>Wobj P6</source>
+        <translation>放置点 P6</translation>
+    </message>
+    <message>
+        <source>Retract P7</source>
+        <translation>离开点 P7</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>已切换到托盘工件坐标系</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>切换到托盘工件坐标系失败</translation>
     </message>
 </context>
 </TS>

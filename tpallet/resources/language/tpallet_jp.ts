@@ -51,6 +51,10 @@
         <source>Total wobj number can not be greater than %1!</source>
         <translation>ワーク総数は%1を超えられません！</translation>
     </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>パレット %1 はコントローラーに保存されていません。次回の再読み込みで失われます！</translation>
+    </message>
 </context>
 <context>
     <name>PalletPage</name>
@@ -251,6 +255,476 @@
     <message>
         <source>Form</source>
         <translation>フォーム</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard</name>
+    <message>
+        <source>Load</source>
+        <translation>負荷</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>質量 (kg)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>重心 X (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>重心 Y (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>重心 Z (mm)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>慣性 X (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>慣性 Y (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>慣性 Z (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>並進</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>回転</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>オイラー角</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>クォータニオン</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>VL ツール</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>インポート</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.ツールは手動で編集するか、VLプロジェクトからインポートできます。&lt;/p&gt;&lt;p&gt;2.インポートできるのはロボットが保持するツールのみです。&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard2</name>
+    <message>
+        <source>Load</source>
+        <translation>負荷</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>質量 (kg)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>重心 X (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>重心 Y (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>重心 Z (mm)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>慣性 X (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>慣性 Y (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>慣性 Z (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>並進</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>回転</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>オイラー角</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>クォータニオン</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>VL ツール</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>インポート</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.ツールは手動で編集するか、VLプロジェクトからインポートできます。&lt;/p&gt;&lt;p&gt;2.インポートできるのはロボットが保持するツールのみです。&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolStep</name>
+    <message>
+        <source>Tray tool will be replaced, are you sure to import?</source>
+        <translation>パレットのツールが置き換えられます。インポートしますか？</translation>
+    </message>
+    <message>
+        <source>Invalid tool: %1</source>
+        <translation>無効なツール：%1</translation>
+    </message>
+</context>
+<context>
+    <name>MoveToDialog</name>
+    <message>
+        <source>Move To</source>
+        <translation>ポイントへ移動</translation>
+    </message>
+    <message>
+        <source>Move Type</source>
+        <translation>移動タイプ</translation>
+    </message>
+    <message>
+        <source>Move AbsJ</source>
+        <translation>Move AbsJ</translation>
+    </message>
+    <message>
+        <source>Move J</source>
+        <translation>Move J</translation>
+    </message>
+    <message>
+        <source>Move L</source>
+        <translation>Move L</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>速度</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>ポイント</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>オフセット</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>なし</translation>
+    </message>
+    <message>
+        <source>Offs</source>
+        <translation>Offs</translation>
+    </message>
+    <message>
+        <source>Reltool</source>
+        <translation>Reltool</translation>
+    </message>
+    <message>
+        <source>XYZ(mm)</source>
+        <translation>XYZ(mm)</translation>
+    </message>
+    <message>
+        <source>ABC(°)</source>
+        <translation>ABC(°)</translation>
+    </message>
+    <message>
+        <source>Caution: Jog and Move will be effected according to selected coordinate system and payload.</source>
+        <translation>注意：ジョグと移動は選択した座標系と負荷に従って実行されます。</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>現在</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>目標</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>確認</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>戻る</translation>
+    </message>
+    <message>
+        <source>Start Moving</source>
+        <translation>移動開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>&lt;h2&gt;Move Robot into Position: %1 &lt;/h2&gt;</source>
+        <translation>&lt;h2&gt;ロボットを位置へ移動：%1 &lt;/h2&gt;</translation>
+    </message>
+    <message>
+        <source>J1(%1)</source>
+        <translation>J1(%1)</translation>
+    </message>
+    <message>
+        <source>J2(%1)</source>
+        <translation>J2(%1)</translation>
+    </message>
+    <message>
+        <source>J3(%1)</source>
+        <translation>J3(%1)</translation>
+    </message>
+    <message>
+        <source>J4(%1)</source>
+        <translation>J4(%1)</translation>
+    </message>
+    <message>
+        <source>J5(%1)</source>
+        <translation>J5(%1)</translation>
+    </message>
+    <message>
+        <source>J6(%1)</source>
+        <translation>J6(%1)</translation>
+    </message>
+    <message>
+        <source>J7(%1)</source>
+        <translation>J7(%1)</translation>
+    </message>
+    <message>
+        <source>X(mm)</source>
+        <translation>X(mm)</translation>
+    </message>
+    <message>
+        <source>Y(mm)</source>
+        <translation>Y(mm)</translation>
+    </message>
+    <message>
+        <source>Z(mm)</source>
+        <translation>Z(mm)</translation>
+    </message>
+    <message>
+        <source>A(%1)</source>
+        <translation>A(%1)</translation>
+    </message>
+    <message>
+        <source>B(%1)</source>
+        <translation>B(%1)</translation>
+    </message>
+    <message>
+        <source>C(%1)</source>
+        <translation>C(%1)</translation>
+    </message>
+    <message>
+        <source>The robot is power off!</source>
+        <translation>ロボットの電源がオフです！</translation>
+    </message>
+    <message>
+        <source>Can not read the robot posture!</source>
+        <translation>ロボットの姿勢を読み取れません！</translation>
+    </message>
+    <message>
+        <source>Can not read the point %1 from the controller!</source>
+        <translation>コントローラからポイント %1 を読み取れません！</translation>
+    </message>
+    <message>
+        <source>The offset is out of range!</source>
+        <translation>オフセットが範囲外です！</translation>
+    </message>
+    <message>
+        <source>SDK Move Error</source>
+        <translation>SDK 移動エラー</translation>
+    </message>
+    <message>
+        <source>The controller link is lost, the move is stopped!</source>
+        <translation>コントローラとの接続が切れたため、移動を停止しました！</translation>
+    </message>
+</context>
+<context>
+    <name>CalibrateSetWizard</name>
+    <message>
+        <source> is too close to each other, are you sure to calibrate?</source>
+        <translation> が近すぎます。キャリブレーションしますか？</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>取得</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>移動</translation>
+    </message>
+    <message>
+        <source>Calibrate</source>
+        <translation>キャリブレーション</translation>
+    </message>
+    <message>
+        <source>P1</source>
+        <translation>P1</translation>
+    </message>
+    <message>
+        <source>P2</source>
+        <translation>P2</translation>
+    </message>
+    <message>
+        <source>P3</source>
+        <translation>P3</translation>
+    </message>
+    <message>
+        <source>P4</source>
+        <translation>P4</translation>
+    </message>
+    <message>
+        <source>Pallet Frame</source>
+        <translation>パレット座標系</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>パレットのワーク座標系に切り替えました</translation>
+    </message>
+    <message>
+        <source>Teach P1 at the origin corner, P2 along the pallet's X axis and P3 along its Y axis, as the picture shows.</source>
+        <translation>図のように、原点の角でP1を、パレットのX軸方向にP2を、Y軸方向にP3を教示してください。</translation>
+    </message>
+    <message>
+        <source>Use P4</source>
+        <translation>P4を使用</translation>
+    </message>
+    <message>
+        <source>swith to pallet toolset failed</source>
+        <translation>パレットのツールセットへの切り替えに失敗しました</translation>
+    </message>
+</context>
+<context>
+    <name>WayPointWizard</name>
+    <message>
+        <source>&lt;p&gt;1.Please grab the work object to the origin point when accquiring P5,P6,P7.&lt;/p&gt;&lt;p&gt;2.The other work object's coordinates will be caculated according to the reference point.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.P5、P6、P7を取得するときは、ワークを原点位置でつかんでください。&lt;/p&gt;&lt;p&gt;2.ほかのワークの座標は基準点から計算されます。&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>取得</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>移動</translation>
+    </message>
+    <message>
+        <source>Approach P5</source>
+        <translation>接近点 P5</translation>
+    </message>
+    <message>
+        <source>Wobj P6</source>
+        <translation>配置点 P6</translation>
+    </message>
+    <message>
+        <source>Retract P7</source>
+        <translation>退避点 P7</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>パレットのワーク座標系に切り替えました</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>パレットのワーク座標系への切り替えに失敗しました</translation>
     </message>
 </context>
 </TS>

@@ -51,6 +51,10 @@
         <source>Total wobj number can not be greater than %1!</source>
         <translation>전체 공작물 수는 %1을(를) 넘을 수 없습니다!</translation>
     </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>팔레트 %1이(가) 컨트롤러에 저장되지 않았습니다. 다음 다시 불러오기 때 사라집니다!</translation>
+    </message>
 </context>
 <context>
     <name>PalletPage</name>
@@ -251,6 +255,476 @@
     <message>
         <source>Form</source>
         <translation>폼</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard</name>
+    <message>
+        <source>Load</source>
+        <translation>부하</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>질량 (kg)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>무게중심 X (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>무게중심 Y (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>무게중심 Z (mm)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>관성 X (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>관성 Y (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>관성 Z (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>이동</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>회전</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>오일러각</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>쿼터니언</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>VL 공구</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>가져오기</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.공구를 직접 편집하거나 VL 프로젝트에서 가져올 수 있습니다.&lt;/p&gt;&lt;p&gt;2.로봇이 잡는 공구만 가져올 수 있습니다.&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard2</name>
+    <message>
+        <source>Load</source>
+        <translation>부하</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>질량 (kg)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>무게중심 X (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>무게중심 Y (mm)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>무게중심 Z (mm)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>관성 X (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>관성 Y (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>관성 Z (kg.mm²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>이동</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>회전</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>오일러각</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>쿼터니언</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>VL 공구</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>가져오기</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.공구를 직접 편집하거나 VL 프로젝트에서 가져올 수 있습니다.&lt;/p&gt;&lt;p&gt;2.로봇이 잡는 공구만 가져올 수 있습니다.&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolStep</name>
+    <message>
+        <source>Tray tool will be replaced, are you sure to import?</source>
+        <translation>팔레트 공구가 교체됩니다. 가져오시겠습니까?</translation>
+    </message>
+    <message>
+        <source>Invalid tool: %1</source>
+        <translation>잘못된 공구: %1</translation>
+    </message>
+</context>
+<context>
+    <name>MoveToDialog</name>
+    <message>
+        <source>Move To</source>
+        <translation>포인트로 이동</translation>
+    </message>
+    <message>
+        <source>Move Type</source>
+        <translation>이동 유형</translation>
+    </message>
+    <message>
+        <source>Move AbsJ</source>
+        <translation>Move AbsJ</translation>
+    </message>
+    <message>
+        <source>Move J</source>
+        <translation>Move J</translation>
+    </message>
+    <message>
+        <source>Move L</source>
+        <translation>Move L</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>속도</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>포인트</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>오프셋</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>없음</translation>
+    </message>
+    <message>
+        <source>Offs</source>
+        <translation>Offs</translation>
+    </message>
+    <message>
+        <source>Reltool</source>
+        <translation>Reltool</translation>
+    </message>
+    <message>
+        <source>XYZ(mm)</source>
+        <translation>XYZ(mm)</translation>
+    </message>
+    <message>
+        <source>ABC(°)</source>
+        <translation>ABC(°)</translation>
+    </message>
+    <message>
+        <source>Caution: Jog and Move will be effected according to selected coordinate system and payload.</source>
+        <translation>주의: 조그와 이동은 선택한 좌표계와 하중에 따라 수행됩니다.</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>현재</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>목표</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>확인</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>뒤로</translation>
+    </message>
+    <message>
+        <source>Start Moving</source>
+        <translation>이동 시작</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>닫기</translation>
+    </message>
+    <message>
+        <source>&lt;h2&gt;Move Robot into Position: %1 &lt;/h2&gt;</source>
+        <translation>&lt;h2&gt;로봇을 위치로 이동: %1 &lt;/h2&gt;</translation>
+    </message>
+    <message>
+        <source>J1(%1)</source>
+        <translation>J1(%1)</translation>
+    </message>
+    <message>
+        <source>J2(%1)</source>
+        <translation>J2(%1)</translation>
+    </message>
+    <message>
+        <source>J3(%1)</source>
+        <translation>J3(%1)</translation>
+    </message>
+    <message>
+        <source>J4(%1)</source>
+        <translation>J4(%1)</translation>
+    </message>
+    <message>
+        <source>J5(%1)</source>
+        <translation>J5(%1)</translation>
+    </message>
+    <message>
+        <source>J6(%1)</source>
+        <translation>J6(%1)</translation>
+    </message>
+    <message>
+        <source>J7(%1)</source>
+        <translation>J7(%1)</translation>
+    </message>
+    <message>
+        <source>X(mm)</source>
+        <translation>X(mm)</translation>
+    </message>
+    <message>
+        <source>Y(mm)</source>
+        <translation>Y(mm)</translation>
+    </message>
+    <message>
+        <source>Z(mm)</source>
+        <translation>Z(mm)</translation>
+    </message>
+    <message>
+        <source>A(%1)</source>
+        <translation>A(%1)</translation>
+    </message>
+    <message>
+        <source>B(%1)</source>
+        <translation>B(%1)</translation>
+    </message>
+    <message>
+        <source>C(%1)</source>
+        <translation>C(%1)</translation>
+    </message>
+    <message>
+        <source>The robot is power off!</source>
+        <translation>로봇 전원이 꺼져 있습니다!</translation>
+    </message>
+    <message>
+        <source>Can not read the robot posture!</source>
+        <translation>로봇 자세를 읽을 수 없습니다!</translation>
+    </message>
+    <message>
+        <source>Can not read the point %1 from the controller!</source>
+        <translation>컨트롤러에서 포인트 %1을(를) 읽을 수 없습니다!</translation>
+    </message>
+    <message>
+        <source>The offset is out of range!</source>
+        <translation>오프셋이 범위를 벗어났습니다!</translation>
+    </message>
+    <message>
+        <source>SDK Move Error</source>
+        <translation>SDK 이동 오류</translation>
+    </message>
+    <message>
+        <source>The controller link is lost, the move is stopped!</source>
+        <translation>컨트롤러 연결이 끊어져 이동이 정지되었습니다!</translation>
+    </message>
+</context>
+<context>
+    <name>CalibrateSetWizard</name>
+    <message>
+        <source> is too close to each other, are you sure to calibrate?</source>
+        <translation> 사이가 너무 가깝습니다. 보정하시겠습니까?</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>획득</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>이동</translation>
+    </message>
+    <message>
+        <source>Calibrate</source>
+        <translation>보정</translation>
+    </message>
+    <message>
+        <source>P1</source>
+        <translation>P1</translation>
+    </message>
+    <message>
+        <source>P2</source>
+        <translation>P2</translation>
+    </message>
+    <message>
+        <source>P3</source>
+        <translation>P3</translation>
+    </message>
+    <message>
+        <source>P4</source>
+        <translation>P4</translation>
+    </message>
+    <message>
+        <source>Pallet Frame</source>
+        <translation>팔레트 좌표계</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>팔레트 공작물 좌표계로 전환했습니다</translation>
+    </message>
+    <message>
+        <source>Teach P1 at the origin corner, P2 along the pallet's X axis and P3 along its Y axis, as the picture shows.</source>
+        <translation>그림과 같이 원점 모서리에서 P1, 팔레트 X축 방향으로 P2, Y축 방향으로 P3를 교시하십시오.</translation>
+    </message>
+    <message>
+        <source>Use P4</source>
+        <translation>P4 사용</translation>
+    </message>
+    <message>
+        <source>swith to pallet toolset failed</source>
+        <translation>팔레트 툴셋으로 전환하지 못했습니다</translation>
+    </message>
+</context>
+<context>
+    <name>WayPointWizard</name>
+    <message>
+        <source>&lt;p&gt;1.Please grab the work object to the origin point when accquiring P5,P6,P7.&lt;/p&gt;&lt;p&gt;2.The other work object's coordinates will be caculated according to the reference point.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.P5, P6, P7을 획득할 때 공작물을 원점 위치에서 잡으십시오.&lt;/p&gt;&lt;p&gt;2.다른 공작물의 좌표는 기준점에 따라 계산됩니다.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>획득</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>이동</translation>
+    </message>
+    <message>
+        <source>Approach P5</source>
+        <translation>접근점 P5</translation>
+    </message>
+    <message>
+        <source>Wobj P6</source>
+        <translation>배치점 P6</translation>
+    </message>
+    <message>
+        <source>Retract P7</source>
+        <translation>후퇴점 P7</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>팔레트 공작물 좌표계로 전환했습니다</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>팔레트 공작물 좌표계로 전환하지 못했습니다</translation>
     </message>
 </context>
 </TS>

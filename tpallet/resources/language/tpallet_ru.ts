@@ -51,6 +51,10 @@
         <source>Total wobj number can not be greater than %1!</source>
         <translation>Общее число мест не может превышать %1!</translation>
     </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>Паллета %1 не сохранена в контроллере и пропадёт при следующей загрузке!</translation>
+    </message>
 </context>
 <context>
     <name>PalletPage</name>
@@ -251,6 +255,476 @@
     <message>
         <source>Form</source>
         <translation>Форма</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard</name>
+    <message>
+        <source>Load</source>
+        <translation>Нагрузка</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>Масса (кг)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>ЦТ X (мм)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>ЦТ Y (мм)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>ЦТ Z (мм)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>Инерция X (кг·мм²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>Инерция Y (кг·мм²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>Инерция Z (кг·мм²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>Смещение</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (мм)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (мм)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (мм)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>Поворот</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>Эйлер</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>Кватернион</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>Инструмент VL</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Импорт</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.Инструмент можно задать вручную или импортировать из проекта VL.&lt;/p&gt;&lt;p&gt;2.Импортировать можно только инструмент, который держит робот.&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolWizard2</name>
+    <message>
+        <source>Load</source>
+        <translation>Нагрузка</translation>
+    </message>
+    <message>
+        <source>Mass (kg)</source>
+        <translation>Масса (кг)</translation>
+    </message>
+    <message>
+        <source>Cog X (mm)</source>
+        <translation>ЦТ X (мм)</translation>
+    </message>
+    <message>
+        <source>Cog Y (mm)</source>
+        <translation>ЦТ Y (мм)</translation>
+    </message>
+    <message>
+        <source>Cog Z (mm)</source>
+        <translation>ЦТ Z (мм)</translation>
+    </message>
+    <message>
+        <source>Inertia X (kg.mm²)</source>
+        <translation>Инерция X (кг·мм²)</translation>
+    </message>
+    <message>
+        <source>Inertia Y (kg.mm²)</source>
+        <translation>Инерция Y (кг·мм²)</translation>
+    </message>
+    <message>
+        <source>Inertia Z (kg.mm²)</source>
+        <translation>Инерция Z (кг·мм²)</translation>
+    </message>
+    <message>
+        <source>Translate</source>
+        <translation>Смещение</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (мм)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (мм)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (мм)</translation>
+    </message>
+    <message>
+        <source>Rotation</source>
+        <translation>Поворот</translation>
+    </message>
+    <message>
+        <source>Euler</source>
+        <translation>Эйлер</translation>
+    </message>
+    <message>
+        <source>Quaternion</source>
+        <translation>Кватернион</translation>
+    </message>
+    <message>
+        <source>A (°)</source>
+        <translation>A (°)</translation>
+    </message>
+    <message>
+        <source>B (°)</source>
+        <translation>B (°)</translation>
+    </message>
+    <message>
+        <source>C (°)</source>
+        <translation>C (°)</translation>
+    </message>
+    <message>
+        <source>Q1</source>
+        <translation>Q1</translation>
+    </message>
+    <message>
+        <source>Q2</source>
+        <translation>Q2</translation>
+    </message>
+    <message>
+        <source>Q3</source>
+        <translation>Q3</translation>
+    </message>
+    <message>
+        <source>Q4</source>
+        <translation>Q4</translation>
+    </message>
+    <message>
+        <source>VL Tool</source>
+        <translation>Инструмент VL</translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation>Импорт</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;1.You can edit the tool manually or import it from the VL project.&lt;/p&gt;&lt;p&gt;2.Only robot holding tool is supported to import.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.Инструмент можно задать вручную или импортировать из проекта VL.&lt;/p&gt;&lt;p&gt;2.Импортировать можно только инструмент, который держит робот.&lt;/p&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>ToolStep</name>
+    <message>
+        <source>Tray tool will be replaced, are you sure to import?</source>
+        <translation>Инструмент паллеты будет заменён. Импортировать?</translation>
+    </message>
+    <message>
+        <source>Invalid tool: %1</source>
+        <translation>Недопустимый инструмент: %1</translation>
+    </message>
+</context>
+<context>
+    <name>MoveToDialog</name>
+    <message>
+        <source>Move To</source>
+        <translation>Перемещение к точке</translation>
+    </message>
+    <message>
+        <source>Move Type</source>
+        <translation>Тип движения</translation>
+    </message>
+    <message>
+        <source>Move AbsJ</source>
+        <translation>Move AbsJ</translation>
+    </message>
+    <message>
+        <source>Move J</source>
+        <translation>Move J</translation>
+    </message>
+    <message>
+        <source>Move L</source>
+        <translation>Move L</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Скорость</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Точка</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>Смещение</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Нет</translation>
+    </message>
+    <message>
+        <source>Offs</source>
+        <translation>Offs</translation>
+    </message>
+    <message>
+        <source>Reltool</source>
+        <translation>Reltool</translation>
+    </message>
+    <message>
+        <source>XYZ(mm)</source>
+        <translation>XYZ(мм)</translation>
+    </message>
+    <message>
+        <source>ABC(°)</source>
+        <translation>ABC(°)</translation>
+    </message>
+    <message>
+        <source>Caution: Jog and Move will be effected according to selected coordinate system and payload.</source>
+        <translation>Внимание: толчковое перемещение и движение выполняются в выбранной системе координат с выбранной нагрузкой.</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>Текущее</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>Цель</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Подтвердить</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Назад</translation>
+    </message>
+    <message>
+        <source>Start Moving</source>
+        <translation>Начать движение</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Закрыть</translation>
+    </message>
+    <message>
+        <source>&lt;h2&gt;Move Robot into Position: %1 &lt;/h2&gt;</source>
+        <translation>&lt;h2&gt;Перемещение робота в позицию: %1 &lt;/h2&gt;</translation>
+    </message>
+    <message>
+        <source>J1(%1)</source>
+        <translation>J1(%1)</translation>
+    </message>
+    <message>
+        <source>J2(%1)</source>
+        <translation>J2(%1)</translation>
+    </message>
+    <message>
+        <source>J3(%1)</source>
+        <translation>J3(%1)</translation>
+    </message>
+    <message>
+        <source>J4(%1)</source>
+        <translation>J4(%1)</translation>
+    </message>
+    <message>
+        <source>J5(%1)</source>
+        <translation>J5(%1)</translation>
+    </message>
+    <message>
+        <source>J6(%1)</source>
+        <translation>J6(%1)</translation>
+    </message>
+    <message>
+        <source>J7(%1)</source>
+        <translation>J7(%1)</translation>
+    </message>
+    <message>
+        <source>X(mm)</source>
+        <translation>X(мм)</translation>
+    </message>
+    <message>
+        <source>Y(mm)</source>
+        <translation>Y(мм)</translation>
+    </message>
+    <message>
+        <source>Z(mm)</source>
+        <translation>Z(мм)</translation>
+    </message>
+    <message>
+        <source>A(%1)</source>
+        <translation>A(%1)</translation>
+    </message>
+    <message>
+        <source>B(%1)</source>
+        <translation>B(%1)</translation>
+    </message>
+    <message>
+        <source>C(%1)</source>
+        <translation>C(%1)</translation>
+    </message>
+    <message>
+        <source>The robot is power off!</source>
+        <translation>Питание робота выключено!</translation>
+    </message>
+    <message>
+        <source>Can not read the robot posture!</source>
+        <translation>Не удалось прочитать положение робота!</translation>
+    </message>
+    <message>
+        <source>Can not read the point %1 from the controller!</source>
+        <translation>Не удалось прочитать точку %1 из контроллера!</translation>
+    </message>
+    <message>
+        <source>The offset is out of range!</source>
+        <translation>Смещение вне допустимого диапазона!</translation>
+    </message>
+    <message>
+        <source>SDK Move Error</source>
+        <translation>Ошибка движения SDK</translation>
+    </message>
+    <message>
+        <source>The controller link is lost, the move is stopped!</source>
+        <translation>Связь с контроллером потеряна, движение остановлено!</translation>
+    </message>
+</context>
+<context>
+    <name>CalibrateSetWizard</name>
+    <message>
+        <source> is too close to each other, are you sure to calibrate?</source>
+        <translation> слишком близко друг к другу. Выполнить калибровку?</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>Считать</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>Перейти</translation>
+    </message>
+    <message>
+        <source>Calibrate</source>
+        <translation>Калибровать</translation>
+    </message>
+    <message>
+        <source>P1</source>
+        <translation>P1</translation>
+    </message>
+    <message>
+        <source>P2</source>
+        <translation>P2</translation>
+    </message>
+    <message>
+        <source>P3</source>
+        <translation>P3</translation>
+    </message>
+    <message>
+        <source>P4</source>
+        <translation>P4</translation>
+    </message>
+    <message>
+        <source>Pallet Frame</source>
+        <translation>Система паллеты</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>Переключено на систему координат паллеты</translation>
+    </message>
+    <message>
+        <source>Teach P1 at the origin corner, P2 along the pallet's X axis and P3 along its Y axis, as the picture shows.</source>
+        <translation>Обучите P1 в исходном углу, P2 по оси X паллеты и P3 по оси Y, как показано на рисунке.</translation>
+    </message>
+    <message>
+        <source>Use P4</source>
+        <translation>Использовать P4</translation>
+    </message>
+    <message>
+        <source>swith to pallet toolset failed</source>
+        <translation>Не удалось переключиться на набор паллеты</translation>
+    </message>
+</context>
+<context>
+    <name>WayPointWizard</name>
+    <message>
+        <source>&lt;p&gt;1.Please grab the work object to the origin point when accquiring P5,P6,P7.&lt;/p&gt;&lt;p&gt;2.The other work object's coordinates will be caculated according to the reference point.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;1.При считывании P5, P6, P7 держите заготовку в исходной позиции.&lt;/p&gt;&lt;p&gt;2.Координаты остальных заготовок будут рассчитаны от опорной точки.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>Считать</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>Перейти</translation>
+    </message>
+    <message>
+        <source>Approach P5</source>
+        <translation>Подход P5</translation>
+    </message>
+    <message>
+        <source>Wobj P6</source>
+        <translation>Укладка P6</translation>
+    </message>
+    <message>
+        <source>Retract P7</source>
+        <translation>Отход P7</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>Переключено на систему координат паллеты</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>Не удалось переключиться на систему координат паллеты</translation>
     </message>
 </context>
 </TS>
