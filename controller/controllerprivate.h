@@ -26,6 +26,8 @@ enum MoveError {
     MovePowerOff = 10,
     MoveNotArmed = 11,
     MoveStopped = 12,
+    MoveBadSpeed = 13,
+    MoveBadPoint = 14,
 };
 
 class ControllerPrivate
@@ -70,8 +72,11 @@ public:
         QPointer<Session> owner;
         bool ownerSet = false;
     };
-    Reply armMove(Move::Kind kind, orba::ModuleObject *params);
+    Reply armMove(Session *owner, Move::Kind kind, orba::ModuleObject *params);
     Reply startArmed(Session *owner);
+    // Publishes a refused move as a "move.last_error_with_setting" event and remembers it, so
+    // that the start which follows a refused arm is not reported a second time.
+    void refuseMove(Session *owner, int error, const QString &id, const QString &message);
     void stopMotion();
     void tick();
     void failMotion(int error, const QString &id, const QString &message);
@@ -105,6 +110,9 @@ public:
 
     Move armed;
     Move active;
+    // The session whose last arm was refused (and reported), until its next start.
+    QPointer<Session> refusedOwner;
+    QString refusedMessage;
     // Children of q, so that they follow it into its thread.
     QTimer *tickTimer = nullptr;
     QElapsedTimer moveClock;

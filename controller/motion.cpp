@@ -13,6 +13,10 @@ namespace {
 constexpr double radPerMetre = 1.0;
 constexpr double defaultSpeed = 0.25; // m/s when a move gives none
 constexpr double maxTcpSpeed = 7.0;   // m/s
+// A move whose client has sent nothing for this long is stopped: a pendant that hangs or a link
+// that is cut without closing must not leave the arm running. The move dialog polls the posture
+// every 200 ms while it moves.
+constexpr qint64 deadmanMs = 1000;
 
 QByteArray errorEvent(int error, const QString &id, const QString &message)
 {
@@ -34,6 +38,21 @@ bool readSpeed(orba::ModuleObject *params, double *speed, bool *present)
     return protocol::readNumber(n, speed) && *speed > 0.0;
 }
 
+// A joint target: six joint values; values of extra (external) axes are ignored, as in "near".
+bool readJointTarget(const orba::ModuleObject *n, Joints *out)
+{
+    if (!n || n->isEmpty() || !n->isArray() || n->cmobjCount() < 6 || n->cmobjCount() > 12)
+        return false;
+    for (int i = 0; i < n->cmobjCount(); ++i) {
+        double v;
+        if (!protocol::readNumber(n->c(i), &v))
+            return false;
+        if (i < 6)
+            (*out)[i] = v;
+    }
+    return true;
+}
+
 } // namespace
 
 void ControllerPrivate::failMotion(int error, const QString &id, const QString &message)
@@ -48,15 +67,31 @@ void ControllerPrivate::stopMotion()
     tickTimer->stop();
 }
 
-Reply ControllerPrivate::armMove(Move::Kind kind, orba::ModuleObject *params)
+void ControllerPrivate::refuseMove(Session *owner, int error, const QString &id, const QString &message)
 {
+    armed = Move();
+    refusedOwner = owner;
+    refusedMessage = message;
+    publish(QStringLiteral("move.last_error_with_setting"), errorEvent(error, id, message));
+}
+
+Reply ControllerPrivate::armMove(Session *owner, Move::Kind kind, orba::ModuleObject *params)
+{
+    // Every refusal is also published: the pendant starts motion without waiting for replies,
+    // so the event is the only way the operator learns why the robot does not move.
     const QString what = kind == Move::Joint ? QStringLiteral("move.j") : QStringLiteral("move.l");
-    if (!params || params->isEmpty() || params->isArray())
-        return Reply::error(InvalidParams, QStringLiteral("\"%1\" takes {\"point\", \"traj.speed\"}").arg(what));
+    if (!params || params->isEmpty() || params->isArray()) {
+        const QString msg = QStringLiteral("\"%1\" takes {\"point\", \"traj.speed\"}").arg(what);
+        refuseMove(owner, MoveBadPoint, QStringLiteral("point"), msg);
+        return Reply::error(InvalidParams, msg);
+    }
     double speed = defaultSpeed;
     bool hasSpeed = false;
-    if (!readSpeed(params, &speed, &hasSpeed))
-        return Reply::error(InvalidParams, QStringLiteral("\"traj.speed\" must be a positive number"));
+    if (!readSpeed(params, &speed, &hasSpeed)) {
+        const QString msg = QStringLiteral("\"traj.speed\" must be a positive number");
+        refuseMove(owner, MoveBadSpeed, QStringLiteral("speed"), msg);
+        return Reply::error(InvalidParams, msg);
+    }
     speed = std::min(speed, maxTcpSpeed);
 
     orba::ModuleObject *point = params->c(QStringLiteral("point"));
@@ -66,11 +101,11 @@ Reply ControllerPrivate::armMove(Move::Kind kind, orba::ModuleObject *params)
     m.toolset = toolset;
     const ArmSolver s = solver();
     Joints q;
-    if (protocol::readJoints(point, &q)) {
+    if (readJointTarget(point, &q)) {
         const int bad = model.firstJointOutside(q);
         if (bad >= 0) {
             const QString msg = QStringLiteral("target joint %1 out of its limits").arg(bad + 1);
-            publish(QStringLiteral("move.last_error_with_setting"), errorEvent(SolveResult::JointLimit, QStringLiteral("limit"), msg));
+            refuseMove(owner, SolveResult::JointLimit, QStringLiteral("limit"), msg);
             return Reply::failed(msg);
         }
         m.targetJoints = q;
@@ -78,29 +113,46 @@ Reply ControllerPrivate::armMove(Move::Kind kind, orba::ModuleObject *params)
     } else {
         Pose p;
         QString error;
-        if (!protocol::readPose(point, &p, &error))
-            return Reply::error(InvalidParams, QStringLiteral("\"point\": %1").arg(error));
+        if (!protocol::readPose(point, &p, &error)) {
+            const QString msg = QStringLiteral("\"point\": %1").arg(error);
+            refuseMove(owner, MoveBadPoint, QStringLiteral("point"), msg);
+            return Reply::error(InvalidParams, msg);
+        }
         m.targetTcp = p.frame();
         const SolveResult r = s.solveNearest(m.targetTcp, kind == Move::Joint && p.hasNear ? p.near : joints);
         if (!r.ok()) {
-            publish(QStringLiteral("move.last_error_with_setting"), errorEvent(r.code, r.id, r.message));
+            refuseMove(owner, r.code, r.id, r.message);
             return Reply::failed(r.message);
         }
         m.targetJoints = r.q;
     }
     if (!power) {
         const QString msg = QStringLiteral("the robot is powered off");
-        publish(QStringLiteral("move.last_error_with_setting"), errorEvent(MovePowerOff, QStringLiteral("power"), msg));
+        refuseMove(owner, MovePowerOff, QStringLiteral("power"), msg);
         return Reply::failed(msg);
     }
+    m.owner = owner;
+    m.ownerSet = true;
     armed = m;
+    refusedOwner = nullptr;
+    refusedMessage.clear();
     return Reply::ok();
 }
 
 Reply ControllerPrivate::startArmed(Session *owner)
 {
-    if (armed.kind == Move::None)
-        return Reply::failed(QStringLiteral("no motion armed"));
+    if (armed.kind == Move::None) {
+        // The refusal of the arm that should have come first was reported already.
+        if (!refusedOwner.isNull() && refusedOwner == owner) {
+            const QString msg = QStringLiteral("no motion armed: %1").arg(refusedMessage);
+            refusedOwner = nullptr;
+            refusedMessage.clear();
+            return Reply::failed(msg);
+        }
+        const QString msg = QStringLiteral("no motion armed");
+        publish(QStringLiteral("move.last_error_with_setting"), errorEvent(MoveNotArmed, QStringLiteral("armed"), msg));
+        return Reply::failed(msg);
+    }
     if (!power) {
         armed = Move();
         const QString msg = QStringLiteral("the robot is powered off");
@@ -160,6 +212,12 @@ void ControllerPrivate::tick()
     }
     if (!power) {
         failMotion(MovePowerOff, QStringLiteral("power"), QStringLiteral("the robot is powered off"));
+        return;
+    }
+    if ((active.kind == Move::Joint || active.kind == Move::Linear) && active.owner
+        && active.owner->msSinceHeard() > deadmanMs) {
+        failMotion(MoveStopped, QStringLiteral("deadman"),
+                   QStringLiteral("no word from the client for %1 ms: motion stopped").arg(deadmanMs));
         return;
     }
     const qint64 now = moveClock.nsecsElapsed();
@@ -246,19 +304,15 @@ void ControllerPrivate::registerMotionCommands()
     add(QStringLiteral("exec"), QStringLiteral("move.reset"), [this](Session *, orba::ModuleObject *, const QString &) {
         stopMotion();
         armed = Move();
+        refusedOwner = nullptr;
+        refusedMessage.clear();
         return Reply::ok();
     });
     add(QStringLiteral("exec"), QStringLiteral("move.j"), [this](Session *s, orba::ModuleObject *params, const QString &) {
-        Reply r = armMove(Move::Joint, params);
-        if (!r.isError && r.status == 0)
-            armed.owner = s, armed.ownerSet = true;
-        return r;
+        return armMove(s, Move::Joint, params);
     });
     add(QStringLiteral("exec"), QStringLiteral("move.l"), [this](Session *s, orba::ModuleObject *params, const QString &) {
-        Reply r = armMove(Move::Linear, params);
-        if (!r.isError && r.status == 0)
-            armed.owner = s, armed.ownerSet = true;
-        return r;
+        return armMove(s, Move::Linear, params);
     });
     add(QStringLiteral("exec"), QStringLiteral("move.opr.enough"), [this](Session *s, orba::ModuleObject *, const QString &) {
         return startArmed(s);

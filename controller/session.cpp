@@ -11,7 +11,10 @@
 
 namespace rc {
 
-Session::Session(Controller *controller) : m_controller(controller) {}
+Session::Session(Controller *controller) : m_controller(controller)
+{
+    m_heard.start();
+}
 
 Session::~Session()
 {
@@ -48,6 +51,7 @@ void Session::receiveLine(const QByteArray &line)
 {
     if (m_closed)
         return;
+    m_heard.restart();
     if (!m_controller) {
         emit sendLine(protocol::resultLine("null", Reply::error(InternalError, QStringLiteral("controller gone"))));
         return;

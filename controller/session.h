@@ -2,6 +2,7 @@
 
 #include <orbat/lineendpoint.h>
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QSet>
 #include <QString>
@@ -27,12 +28,15 @@ public:
     void setWatched(const QString &name, bool on);
     // Sends an unsolicited line (event) unless the client has gone.
     void deliver(const QByteArray &line);
+    // Time since the client's last line (or since the session began).
+    qint64 msSinceHeard() const { return m_heard.elapsed(); }
 
 private:
     QPointer<Controller> m_controller;
     QSet<QString> m_watched;
     bool m_registered = false;
     bool m_closed = false;
+    QElapsedTimer m_heard;
 };
 
 } // namespace rc
