@@ -1,6 +1,9 @@
+include(TpalletCross)
+
 # tpallet_add_test(<name> SOURCES <files...> LIBS <targets...> [GUI] [TIMEOUT <s>] [LABELS <l...>])
 # One QtTest executable, registered with ctest. Every test runs on the offscreen platform, in a
-# fresh working directory of its own (file logs and data land there), with a fresh HOME.
+# fresh working directory of its own (file logs and data land there), with a fresh HOME; a cross
+# build runs it through TPALLET_TEST_EMULATOR (TpalletCross.cmake).
 function(tpallet_add_test name)
     cmake_parse_arguments(T "GUI" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
     add_executable(${name} ${T_SOURCES})
@@ -10,7 +13,7 @@ function(tpallet_add_test name)
     add_test(NAME ${name}
              COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen HOME=${workdir}/home
                      XDG_RUNTIME_DIR=${workdir}/run
-                     $<TARGET_FILE:${name}> -maxwarnings 0)
+                     ${TPALLET_TEST_EMULATOR} $<TARGET_FILE:${name}> -maxwarnings 0)
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 300)
     endif()
@@ -38,7 +41,9 @@ function(host_add_library target)
     set_target_properties(${target} PROPERTIES VERSION ${HOST_VERSION} SOVERSION ${HOST_SOVERSION}
                                                EXPORT_NAME ${target})
     target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${HOST_INCLUDE_DIR}>
-                                                $<INSTALL_INTERFACE:include/tpallet-host>)
+                                                $<INSTALL_INTERFACE:${TPALLET_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${target} PUBLIC ${H_PUBLIC} PRIVATE ${H_PRIVATE})
-    install(TARGETS ${target} EXPORT TpalletHostTargets LIBRARY DESTINATION lib)
+    tpallet_install_rpath(${target} ${CMAKE_INSTALL_LIBDIR})
+    install(TARGETS ${target} EXPORT TpalletHostTargets
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT host NAMELINK_COMPONENT hostdev)
 endfunction()

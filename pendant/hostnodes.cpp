@@ -164,12 +164,12 @@ bool HostNodes::toolsetFromRecords(const orba::ModuleObject *tool, const orba::M
                                    orba::ModuleObject *toolset, QString *error)
 {
     if (tool->isEmpty()) {
-        *error = QStringLiteral("unknown tool");
+        *error = tr("unknown tool");
         return false;
     }
     if (!tool->r(QStringLiteral("robhold"))->getBool(true)) {
         // A stationary tool needs a robot-held work object; the simulated arm carries its tools.
-        *error = QStringLiteral("stationary tools are not supported");
+        *error = tr("stationary tools are not supported");
         return false;
     }
     toolset->set(nullptr, QStringLiteral("name"), QString(QLatin1String("")));
@@ -196,13 +196,13 @@ bool HostNodes::applyToolpage()
     QString error;
     if (!toolsetFromRecords(findRecord(QStringLiteral("tool"), toolName), findRecord(QStringLiteral("wobj"), wobjName),
                             &toolset, &error)) {
-        tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("warning"), QStringLiteral("Tool"),
+        tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("warning"), tr("Tool"),
                                                    QStringLiteral("%1: %2").arg(toolName, error), 1);
         return false;
     }
     if (tservice()->set(this, QStringLiteral("sys.toolset"), &toolset) < 0) {
-        tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("warning"), QStringLiteral("Tool"),
-                                                   QStringLiteral("%1 / %2 not made active").arg(toolName, wobjName), 1);
+        tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("warning"), tr("Tool"),
+                                                   tr("%1 / %2 not made active").arg(toolName, wobjName), 1);
         return false;
     }
     return true;

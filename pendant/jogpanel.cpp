@@ -1,11 +1,15 @@
 #include "jogpanel.h"
 
+#include "statusbar.h"
+
 #include <orba/moduleobject.h>
 #include <orbat/controllermanager.h>
 #include <orbat/tservice.h>
 #include <tcore/widgets.h>
 
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QTimer>
@@ -13,6 +17,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -28,13 +33,18 @@ struct Step
 
 // Index 0 is continuous jogging.
 const Step Steps[] = {
-    {"Continuous", 0.0, 0.0},
+    {QT_TRANSLATE_NOOP("JogPanel", "Continuous"), 0.0, 0.0},
     {"0.1 mm / 0.1°", 0.0001, 0.1 * DegToRad},
     {"1 mm / 1°", 0.001, 1.0 * DegToRad},
     {"10 mm / 5°", 0.01, 5.0 * DegToRad},
 };
 
 const int SpeedPercents[] = {1, 10, 25, 50, 100};
+
+// A stop reported this long after the jog button was released still belongs to that jog.
+constexpr qint64 LateStopMs = 1000;
+
+const QString kErrorEvent = QStringLiteral("move.last_error_with_setting");
 
 } // namespace
 
@@ -43,48 +53,57 @@ JogPanel::JogPanel(QWidget *parent)
 {
     setObjectName(QStringLiteral("jogPanel"));
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(10, 10, 10, 10);
-    layout->setSpacing(8);
+    // Fits the 740 pixels under the status bar with room to spare: the CJK fonts' taller lines
+    // included.
+    layout->setContentsMargins(10, 8, 10, 8);
+    layout->setSpacing(6);
 
-    auto *heading = new QLabel(QStringLiteral("Jog"), this);
-    heading->setObjectName(QStringLiteral("lblJogTitle"));
-    layout->addWidget(heading);
+    m_heading = new QLabel(this);
+    m_heading->setObjectName(QStringLiteral("lblJogTitle"));
+    layout->addWidget(m_heading);
 
+    // Each caption above its selector: the selectors get the panel's whole width, which the
+    // longest step and the longest translated caption could not share.
     auto *selectors = new QGridLayout;
-    selectors->setHorizontalSpacing(8);
-    selectors->setVerticalSpacing(6);
+    selectors->setHorizontalSpacing(0);
+    selectors->setVerticalSpacing(2);
     m_frame = new QComboBox(this);
     m_frame->setObjectName(QStringLiteral("cmbJogFrame"));
-    m_frame->addItem(QStringLiteral("Joint"), QStringLiteral("joint"));
-    m_frame->addItem(QStringLiteral("Base"), QStringLiteral("base"));
-    m_frame->addItem(QStringLiteral("Tool"), QStringLiteral("tool"));
+    for (const char *frame : {"joint", "base", "tool"})
+        m_frame->addItem(QString(), QLatin1String(frame));
     m_step = new QComboBox(this);
     m_step->setObjectName(QStringLiteral("cmbJogStep"));
     for (const Step &s : Steps)
-        m_step->addItem(QString::fromUtf8(s.text));
+        m_step->addItem(QCoreApplication::translate("JogPanel", s.text));
     m_step->setCurrentIndex(2);
     m_speed = new QComboBox(this);
     m_speed->setObjectName(QStringLiteral("cmbJogSpeed"));
     for (int p : SpeedPercents)
         m_speed->addItem(QStringLiteral("%1 %").arg(p), p);
     m_speed->setCurrentIndex(2);
-    selectors->addWidget(new QLabel(QStringLiteral("Frame"), this), 0, 0);
-    selectors->addWidget(m_frame, 0, 1);
-    selectors->addWidget(new QLabel(QStringLiteral("Step"), this), 1, 0);
-    selectors->addWidget(m_step, 1, 1);
-    selectors->addWidget(new QLabel(QStringLiteral("Speed"), this), 2, 0);
-    selectors->addWidget(m_speed, 2, 1);
-    selectors->setColumnStretch(1, 1);
+    m_frameLabel = new QLabel(this);
+    m_stepLabel = new QLabel(this);
+    m_speedLabel = new QLabel(this);
+    int row = 0;
+    for (auto [caption, selector] : {std::pair<QLabel *, QComboBox *>{m_frameLabel, m_frame},
+                                     {m_stepLabel, m_step},
+                                     {m_speedLabel, m_speed}}) {
+        caption->setObjectName(QStringLiteral("lblJogCaption"));
+        if (row > 0)
+            selectors->setRowMinimumHeight(row++, 2);
+        selectors->addWidget(caption, row++, 0);
+        selectors->addWidget(selector, row++, 0);
+    }
     layout->addLayout(selectors);
 
     auto *axes = new QGridLayout;
     axes->setHorizontalSpacing(6);
-    axes->setVerticalSpacing(6);
+    axes->setVerticalSpacing(4);
     for (int axis = 0; axis < 6; ++axis) {
         auto *minus = new TouchButton(this);
         minus->setObjectName(QStringLiteral("btnJogMinus%1").arg(axis));
         minus->setText(QStringLiteral("−"));
-        minus->setMinimumSize(60, 44);
+        minus->setMinimumSize(60, 40);
         auto *label = new QLabel(this);
         label->setObjectName(QStringLiteral("lblJogAxis%1").arg(axis));
         label->setAlignment(Qt::AlignCenter);
@@ -92,7 +111,7 @@ JogPanel::JogPanel(QWidget *parent)
         auto *plus = new TouchButton(this);
         plus->setObjectName(QStringLiteral("btnJogPlus%1").arg(axis));
         plus->setText(QStringLiteral("+"));
-        plus->setMinimumSize(60, 44);
+        plus->setMinimumSize(60, 40);
         axes->addWidget(minus, axis, 0);
         axes->addWidget(label, axis, 1);
         axes->addWidget(plus, axis, 2);
@@ -144,21 +163,143 @@ JogPanel::JogPanel(QWidget *parent)
 
     connect(m_frame, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &JogPanel::updateAxisNames);
     orbat::ControllerManager *manager = tservice()->controllerManager();
-    connect(manager, &orbat::ControllerManager::rcConnected, this, [this] {
-        updatePolling();
-        refreshPosture();
-    });
+    connect(manager, &orbat::ControllerManager::rcConnected, this, &JogPanel::onConnected);
     connect(manager, &orbat::ControllerManager::rcDisconnected, this, [this] {
         m_jogging = false;
+        m_powerKnown = false;
         updatePolling();
+        updateStatus();
     });
+    connect(tservice(), &TService::watchEvent, this, &JogPanel::onWatchEvent);
+    retranslate();
     updateAxisNames();
+    if (manager->isConnected())
+        onConnected();
+    else
+        updateStatus();
 }
 
 JogPanel::~JogPanel()
 {
     if (m_jogging)
         stopJog();
+}
+
+void JogPanel::changeEvent(QEvent *event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+}
+
+void JogPanel::retranslate()
+{
+    m_heading->setText(tr("Jog"));
+    m_frameLabel->setText(tr("Frame"));
+    m_stepLabel->setText(tr("Step"));
+    m_speedLabel->setText(tr("Speed"));
+    m_frame->setItemText(0, tr("Joint"));
+    m_frame->setItemText(1, tr("Base"));
+    m_frame->setItemText(2, tr("Tool"));
+    m_step->setItemText(0, QCoreApplication::translate("JogPanel", Steps[0].text));
+    updateStatus();
+}
+
+void JogPanel::onConnected()
+{
+    // Both are sent at once on subscription and then on every change.
+    tservice()->watch(this, QStringLiteral("sys.power"), true);
+    tservice()->watch(this, kErrorEvent, true);
+    if (m_refusalId == QLatin1String("nolink") || m_refusalId == QLatin1String("timeout")) {
+        m_refusalId.clear();
+        m_refusal.clear();
+    }
+    readPower();
+    updatePolling();
+    refreshPosture();
+    updateStatus();
+}
+
+void JogPanel::readPower()
+{
+    orba::MobjPtr reply = tservice()->get(this, QStringLiteral("sys.power"));
+    const int power = reply && tservice()->lastStatus() >= 0 ? StatusBar::parsePower(reply->value()) : -1;
+    m_powerKnown = power >= 0;
+    if (m_powerKnown)
+        m_powerOn = power == 1;
+}
+
+void JogPanel::onWatchEvent(const QString &name, const QVariant &data)
+{
+    if (name == QLatin1String("sys.power")) {
+        const int power = StatusBar::parsePower(data);
+        if (power < 0)
+            return;
+        m_powerKnown = true;
+        m_powerOn = power == 1;
+        if (m_powerOn && describeRefusal(m_refusalId, m_refusal) == describeRefusal(QStringLiteral("power"), QString())) {
+            m_refusalId.clear();
+            m_refusal.clear();
+        }
+        updateStatus();
+        return;
+    }
+    if (name != kErrorEvent)
+        return;
+    // Only the stop of this panel's own continuous jog: the module's moves report their errors.
+    if (!m_jogging && !(m_sinceJog.isValid() && m_sinceJog.elapsed() < LateStopMs))
+        return;
+    const QVariantMap event = data.toMap();
+    const QVariantMap detail = event.value(QStringLiteral("data")).toMap();
+    const QString id = detail.value(QStringLiteral("id")).toString();
+    const QString message = detail.value(QStringLiteral("msg")).toString();
+    if (event.value(QStringLiteral("error")).toInt() == 0 && id.isEmpty() && message.isEmpty())
+        return;
+    m_refusalId = id;
+    m_refusal = message;
+    updateStatus();
+    refreshPosture();
+}
+
+QString JogPanel::describeRefusal(const QString &id, const QString &message)
+{
+    const QString m = message.toLower();
+    if (id == QLatin1String("nolink"))
+        return tr("No controller");
+    if (id == QLatin1String("timeout"))
+        return tr("The controller did not answer");
+    if (id == QLatin1String("power") || m.contains(QLatin1String("powered off")))
+        return tr("The robot is powered off");
+    if (id == QLatin1String("unreachable") || m.contains(QLatin1String("out of reach")))
+        return tr("Edge of the workspace: the robot cannot go further this way");
+    if (id == QLatin1String("limit") || m.contains(QLatin1String("limits")))
+        return tr("Joint limit: the robot cannot go further this way");
+    if (id == QLatin1String("singular") || m.contains(QLatin1String("singular")))
+        return tr("Singularity: the robot cannot go further this way");
+    if (id == QLatin1String("jump") || m.contains(QLatin1String("configuration jump")))
+        return tr("The arm would change its configuration: jog the joints instead");
+    if (m.contains(QLatin1String("moving")))
+        return tr("The robot is moving");
+    if (message.isEmpty())
+        return tr("Refused");
+    return tr("Refused: %1").arg(message);
+}
+
+QString JogPanel::statusText() const
+{
+    return m_status->text();
+}
+
+void JogPanel::updateStatus()
+{
+    QString text;
+    if (!tservice()->controllerManager()->isConnected())
+        text = tr("No controller");
+    else if (m_powerKnown && !m_powerOn)
+        text = tr("The robot is powered off");
+    else if (!m_refusalId.isEmpty() || !m_refusal.isEmpty())
+        text = describeRefusal(m_refusalId, m_refusal);
+    m_status->setText(text);
 }
 
 QString JogPanel::frame() const
@@ -235,6 +376,7 @@ int JogPanel::startJog(int axis, int direction)
 int JogPanel::stopJog()
 {
     m_jogging = false;
+    m_sinceJog.start();
     orba::MobjPtr reply = tservice()->execCommand(this, QStringLiteral("sim.jog.stop"));
     const int status = reply->getInt(TService::StatusBadReply);
     refreshPosture();
@@ -257,19 +399,24 @@ void JogPanel::onReleased()
 
 void JogPanel::showStatus(int status, const QString &message)
 {
-    if (status >= 0) {
-        m_status->clear();
-        return;
-    }
-    QString text = message;
-    if (text.isEmpty()) {
-        switch (status) {
-        case TService::StatusNoLink: text = QStringLiteral("No controller"); break;
-        case TService::StatusTimeout: text = QStringLiteral("The controller did not answer"); break;
-        default: text = QStringLiteral("Refused (%1)").arg(status); break;
+    m_refusalId.clear();
+    m_refusal.clear();
+    if (status < 0) {
+        if (status == TService::StatusNoLink)
+            m_refusalId = QStringLiteral("nolink");
+        else if (status == TService::StatusTimeout)
+            m_refusalId = QStringLiteral("timeout");
+        else if (message.isEmpty())
+            m_refusal = QStringLiteral("status %1").arg(status);
+        m_refusal = message.isEmpty() ? m_refusal : message;
+        const QString power = describeRefusal(QStringLiteral("power"), QString());
+        if (describeRefusal(m_refusalId, m_refusal) == power) {
+            // The controller says so: the power state is known from here on.
+            m_powerKnown = true;
+            m_powerOn = false;
         }
     }
-    m_status->setText(text);
+    updateStatus();
 }
 
 bool JogPanel::refreshPosture()

@@ -3,9 +3,13 @@
 #include "jogpanel.h"
 #include "logview.h"
 #include "navigationview.h"
+#include "shelltheme.h"
+#include "shelltranslations.h"
 #include "statusbar.h"
+#include "virtualkeyboard.h"
 
 #include <dwel/centerwidget.h>
+#include <tcore/managerhelper.h>
 
 #include <QApplication>
 #include <QEvent>
@@ -18,45 +22,6 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-namespace {
-
-const char *StyleSheet = R"(
-MainWindow, #jogWindow { background: #1f2329; }
-QWidget { font-size: 16px; }
-#statusBar, #treeNav, #pageHeader, #lstLog, #jogPanel { color: #e6e9ee; }
-#statusBar QLabel, #pageHeader QLabel, #jogPanel QLabel { color: #e6e9ee; }
-#statusBar { background: #14171b; border-bottom: 2px solid #2f80ed; }
-#lblTitle { font-size: 20px; font-weight: bold; color: #ffffff; padding-right: 16px; }
-#statusBar #lblRcId { color: #9aa4b1; }
-#treeNav { background: #262b32; border: none; font-size: 17px; show-decoration-selected: 1; }
-#treeNav::item { min-height: 46px; padding-left: 6px; color: #e6e9ee; }
-#treeNav::item:selected, #treeNav::branch:selected { background: #2f80ed; color: white; }
-#treeNav::branch { image: none; border-image: none; }
-#pageHeader { background: #262b32; }
-#lblPageTitle { font-size: 17px; font-weight: bold; padding: 6px 10px; }
-#centerWidget, #pageScroll, #pageScroll > QWidget > QWidget { background: #f3f4f6; }
-#pageScroll { border: none; }
-#centerWidget QPushButton { color: #ffffff; background: #3a414b; border: 1px solid #4b5461; border-radius: 6px; padding: 6px 4px; min-height: 32px; }
-#centerWidget QPushButton:pressed { background: #2f80ed; }
-#centerWidget QPushButton:disabled { color: #8a929c; background: #555c66; }
-#homePage QLabel { color: #1f2329; font-size: 16px; }
-#lstLog { background: #14171b; border: none; border-top: 1px solid #3a414b; font-size: 14px; }
-#jogPanel { background: #262b32; border-left: 1px solid #3a414b; }
-#jogPanel #lblJogTitle { font-size: 18px; font-weight: bold; }
-#frmPosture { background: #14171b; border-radius: 6px; }
-#jogPanel #frmPosture QLabel { font-family: monospace; font-size: 14px; }
-#jogPanel #lblJogStatus { color: #ffb454; }
-#statusBar QPushButton, #pageHeader QPushButton, #jogPanel QPushButton { color: #e6e9ee; background: #3a414b; border: 1px solid #4b5461; border-radius: 6px; padding: 6px 12px; min-height: 32px; }
-#statusBar QPushButton:pressed, #statusBar QPushButton:checked, #pageHeader QPushButton:checked, #jogPanel QPushButton:pressed { background: #2f80ed; }
-#statusBar QPushButton:disabled { color: #6b7480; }
-#statusBar QComboBox, #jogPanel QComboBox { color: #e6e9ee; background: #3a414b; border: 1px solid #4b5461; border-radius: 6px; padding: 6px 10px; min-height: 30px; }
-#statusBar QComboBox::drop-down, #jogPanel QComboBox::drop-down { border: none; width: 30px; }
-#statusBar QComboBox::down-arrow, #jogPanel QComboBox::down-arrow { image: url(:/pendant/arrow-down.xpm); width: 14px; height: 8px; }
-#statusBar QComboBox QAbstractItemView, #jogPanel QComboBox QAbstractItemView { color: #e6e9ee; background: #262b32; selection-background-color: #2f80ed; }
-)";
-
-} // namespace
-
 // The shell's resources live in a static library: they must be registered by hand.
 static void initPendantResources()
 {
@@ -67,9 +32,10 @@ MainWindow::MainWindow(QWidget *parent)
     : QWidget(parent)
 {
     initPendantResources();
+    shelltranslations::install();
+    shelltheme::apply();
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("tpendant"));
-    setStyleSheet(QLatin1String(StyleSheet));
     resize(Width, Height);
 
     auto *outer = new QVBoxLayout(this);
@@ -101,7 +67,7 @@ MainWindow::MainWindow(QWidget *parent)
     m_pageTitle = new QLabel(header);
     m_pageTitle->setObjectName(QStringLiteral("lblPageTitle"));
     headerLayout->addWidget(m_pageTitle, 1);
-    m_jogToggle = new QPushButton(QStringLiteral("Jog"), header);
+    m_jogToggle = new QPushButton(header);
     m_jogToggle->setObjectName(QStringLiteral("btnToggleJog"));
     m_jogToggle->setCheckable(true);
     m_jogToggle->setChecked(true);
@@ -146,12 +112,49 @@ MainWindow::MainWindow(QWidget *parent)
 
     connect(center, &dwel::CenterWidget::pageShown, this, &MainWindow::onPageShown);
     connect(m_navigation, &NavigationView::pageRequested, this, [this](const QString &nav) { showPage(nav); });
+    // Titles change with the entries and with the language: the breadcrumb follows.
+    connect(m_navigation, &NavigationView::rebuilt, this, [this] {
+        fitNavigation();
+        onPageShown(currentPage());
+    });
     connect(m_jogToggle, &QPushButton::toggled, this, &MainWindow::setJogVisible);
+    retranslate();
     showPage(NavigationView::homePage());
+
+    if (VirtualKeyboard::isAvailable()) {
+        m_keyboard = std::make_unique<VirtualKeyboard>();
+        if (!m_keyboard->isReady()) {
+            tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("warning"), tr("No on-screen keyboard"),
+                                                       m_keyboard->errorString(), 1);
+        }
+    }
+}
+
+void MainWindow::fitNavigation()
+{
+    // Entries must not be cut: the navigation takes what its longest entry needs from the page.
+    m_navigation->setFixedWidth(qBound(int(NavWidth), m_navigation->preferredWidth(), int(NavMaxWidth)));
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) {
+        retranslate();
+        emit languageChanged();
+    }
+}
+
+void MainWindow::retranslate()
+{
+    m_jogToggle->setText(tr("Jog"));
+    if (m_jogWindow)
+        m_jogWindow->setWindowTitle(tr("Jog"));
 }
 
 MainWindow::~MainWindow()
 {
+    m_keyboard.reset();
     dockJogPanel();
     // Pages go before their container, while it can still unlist them by name.
     if (m_center) {
@@ -203,6 +206,10 @@ void MainWindow::setJogVisible(bool visible)
 bool MainWindow::event(QEvent *event)
 {
     switch (event->type()) {
+    case QEvent::Show:
+        // Entry widths are known once the style sheet's fonts apply.
+        fitNavigation();
+        break;
     case QEvent::WindowBlocked:
         floatJogPanel(QApplication::activeModalWidget());
         break;
@@ -227,8 +234,7 @@ void MainWindow::floatJogPanel(QWidget *modal)
     // nothing of the main window dies with the dialog.
     m_jogWindow = new QWidget(modal, Qt::Tool | Qt::WindowStaysOnTopHint);
     m_jogWindow->setObjectName(QStringLiteral("jogWindow"));
-    m_jogWindow->setWindowTitle(QStringLiteral("Jog"));
-    m_jogWindow->setStyleSheet(styleSheet());
+    m_jogWindow->setWindowTitle(tr("Jog"));
     auto *layout = new QVBoxLayout(m_jogWindow);
     layout->setContentsMargins(0, 0, 0, 0);
     auto *panel = new JogPanel(m_jogWindow);

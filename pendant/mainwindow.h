@@ -3,12 +3,15 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <memory>
+
 class JogPanel;
 class LogView;
 class NavigationView;
 class QLabel;
 class QPushButton;
 class StatusBar;
+class VirtualKeyboard;
 
 namespace dwel {
 class CenterWidget;
@@ -29,8 +32,10 @@ class MainWindow : public QWidget
 public:
     static constexpr int Width = 1280;
     static constexpr int Height = 800;
+    // The navigation is as wide as its longest entry needs, within these bounds.
     static constexpr int NavWidth = 150;
-    static constexpr int JogWidth = 222;
+    static constexpr int NavMaxWidth = 200;
+    static constexpr int JogWidth = 204;
 
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
@@ -48,11 +53,20 @@ public:
     void setHomeText(const QString &html);
     void setJogVisible(bool visible);
     bool isJogFloating() const { return m_jogFloating; }
+    // The on-screen keyboard; null when the application does not run with it.
+    VirtualKeyboard *keyboard() const { return m_keyboard.get(); }
+
+signals:
+    // After the window retranslated itself; texts built elsewhere follow.
+    void languageChanged();
 
 protected:
     bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    void retranslate();
+    void fitNavigation();
     void onPageShown(const QString &name);
     void floatJogPanel(QWidget *modal);
     void dockJogPanel();
@@ -69,4 +83,5 @@ private:
     QPointer<QWidget> m_jogWindow;
     QPointer<dwel::CenterWidget> m_center;
     bool m_jogFloating = false;
+    std::unique_ptr<VirtualKeyboard> m_keyboard;
 };

@@ -3,11 +3,24 @@
 #include <kx/kx.h>
 #include <orba/moduleobject.h>
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QHeaderView>
 #include <QTimer>
 
 #include <algorithm>
 #include <climits>
+
+namespace {
+
+// The groups of the pendant's navigation, so that their names are translated.
+[[maybe_unused]] const char *const kGroupNames[] = {
+    QT_TRANSLATE_NOOP("NavigationView", "Robot"),
+    QT_TRANSLATE_NOOP("NavigationView", "Pack"),
+    QT_TRANSLATE_NOOP("NavigationView", "Setting"),
+};
+
+} // namespace
 
 NavigationView::NavigationView(QWidget *parent)
     : QTreeWidget(parent)
@@ -15,7 +28,7 @@ NavigationView::NavigationView(QWidget *parent)
     setObjectName(QStringLiteral("treeNav"));
     setHeaderHidden(true);
     setColumnCount(1);
-    setIndentation(16);
+    setIndentation(12);
     setRootIsDecorated(false);
     setExpandsOnDoubleClick(false);
     setItemsExpandable(false);
@@ -31,6 +44,46 @@ QString NavigationView::groupTitle(const QString &segment)
     if (segment.isEmpty())
         return segment;
     return segment.left(1).toUpper() + segment.mid(1);
+}
+
+QString NavigationView::displayedGroupTitle(const QString &segment)
+{
+    const QString title = groupTitle(segment);
+    return QCoreApplication::translate("NavigationView", title.toUtf8().constData());
+}
+
+QString NavigationView::displayedTitle(const QString &title) const
+{
+    const auto it = m_titleSources.constFind(title);
+    if (it == m_titleSources.constEnd())
+        return title;
+    return QCoreApplication::translate(it->context.constData(), it->text.constData(),
+                                       it->disambiguation.isEmpty() ? nullptr : it->disambiguation.constData(), it->n);
+}
+
+void NavigationView::setTitleSources(const QList<SourceRecorder::Source> &sources)
+{
+    const QList<orba::ModuleObject *> nodes = m_pages ? m_pages->cmobjs() : QList<orba::ModuleObject *>();
+    for (orba::ModuleObject *node : nodes) {
+        const QString title = node->c(QStringLiteral("title"))->getString();
+        if (title.isEmpty() || m_titleSources.contains(title))
+            continue;
+        for (const SourceRecorder::Source &s : sources) {
+            const char *disambiguation = s.disambiguation.isEmpty() ? nullptr : s.disambiguation.constData();
+            if (QCoreApplication::translate(s.context.constData(), s.text.constData(), disambiguation, s.n) == title) {
+                m_titleSources.insert(title, s);
+                break;
+            }
+        }
+    }
+    rebuild();
+}
+
+void NavigationView::changeEvent(QEvent *event)
+{
+    QTreeWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange)
+        rebuild();
 }
 
 void NavigationView::scheduleRebuild()
@@ -64,9 +117,9 @@ void NavigationView::rebuild()
     watchPages();
     clear();
 
-    auto *home = new QTreeWidgetItem(this, {QStringLiteral("Home")});
+    auto *home = new QTreeWidgetItem(this, {tr("Home")});
     home->setData(0, NavRole, homePage());
-    home->setData(0, PathRole, QStringLiteral("Home"));
+    home->setData(0, PathRole, tr("Home"));
 
     struct Entry
     {
@@ -106,7 +159,7 @@ void NavigationView::rebuild()
         QTreeWidgetItem *group = nullptr;
         QStringList path;
         for (const QString &segment : e.parent.split('.', Qt::SkipEmptyParts)) {
-            const QString title = groupTitle(segment);
+            const QString title = displayedGroupTitle(segment);
             path.append(title);
             QTreeWidgetItem *found = nullptr;
             const int count = group ? group->childCount() : topLevelItemCount();
@@ -125,12 +178,17 @@ void NavigationView::rebuild()
             }
             group = found;
         }
-        const QString title = e.title.isEmpty() ? e.nav : e.title;
+        const QString title = e.title.isEmpty() ? e.nav : displayedTitle(e.title);
         auto *item = group ? new QTreeWidgetItem(group, {title}) : new QTreeWidgetItem(this, {title});
         path.append(title);
         item->setData(0, NavRole, e.nav);
         item->setData(0, PathRole, path.join(QStringLiteral(" > ")));
         item->setData(0, ModuleRole, e.module);
+        QStringList titles{e.title};
+        const auto source = m_titleSources.constFind(e.title);
+        if (source != m_titleSources.constEnd())
+            titles.append(QString::fromUtf8(source->text));
+        item->setData(0, TitlesRole, titles);
         if (e.nav.isEmpty())
             item->setFlags(Qt::NoItemFlags);
         if (!e.icon.isEmpty())
@@ -139,6 +197,7 @@ void NavigationView::rebuild()
     expandAll();
     if (!current.isEmpty())
         selectPage(current);
+    emit rebuilt();
 }
 
 QTreeWidgetItem *NavigationView::itemForPage(const QString &nav) const
@@ -174,7 +233,8 @@ QString NavigationView::findPage(const QString &name) const
         if (nav.isEmpty())
             continue;
         if (nav == name || (*it)->text(0).compare(name, Qt::CaseInsensitive) == 0
-            || (*it)->data(0, ModuleRole).toString() == name)
+            || (*it)->data(0, ModuleRole).toString() == name
+            || (*it)->data(0, TitlesRole).toStringList().contains(name, Qt::CaseInsensitive))
             return nav;
     }
     return QString();
@@ -190,6 +250,22 @@ QStringList NavigationView::pages() const
             names.append(nav);
     }
     return names;
+}
+
+int NavigationView::preferredWidth() const
+{
+    ensurePolished();
+    int widest = 0;
+    QList<QPair<QModelIndex, int>> pending{{QModelIndex(), 0}};
+    while (!pending.isEmpty()) {
+        const auto [parent, depth] = pending.takeFirst();
+        for (int row = 0; row < model()->rowCount(parent); ++row) {
+            const QModelIndex index = model()->index(row, 0, parent);
+            widest = qMax(widest, depth * indentation() + sizeHintForIndex(index).width());
+            pending.append({index, depth + 1});
+        }
+    }
+    return widest + 2 * frameWidth() + 4;
 }
 
 void NavigationView::onItemClicked(QTreeWidgetItem *item)

@@ -4,6 +4,7 @@
 #include "mainwindow.h"
 #include "moduleloader.h"
 #include "navigationview.h"
+#include "shelltranslations.h"
 
 #include <controller/controller.h>
 #include <dwel/bmodule.h>
@@ -16,9 +17,23 @@
 #include <tcore/managerhelper.h>
 #include <tcore/settingmanager.h>
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+
+namespace {
+
+// How the operator knows the controller: the in-process one is the built-in simulator.
+QString peerText(const orbat::Transport *transport)
+{
+    if (!transport)
+        return QCoreApplication::translate("Shell", "none");
+    const QString peer = transport->peerName();
+    return peer == QLatin1String("embedded") ? QCoreApplication::translate("Shell", "built-in simulator") : peer;
+}
+
+} // namespace
 
 Shell::Shell(const ShellOptions &options, QObject *parent)
     : QObject(parent)
@@ -27,7 +42,7 @@ Shell::Shell(const ShellOptions &options, QObject *parent)
     , m_loader(new ModuleLoader(this))
 {
     connect(m_loader, &ModuleLoader::failure, this, [this](const QString &what, const QString &why) {
-        report(QStringLiteral("error"), QStringLiteral("Module not loaded: %1").arg(QFileInfo(what).fileName()), why);
+        report(QStringLiteral("error"), tr("Module not loaded: %1").arg(QFileInfo(what).fileName()), why);
     });
 }
 
@@ -64,7 +79,15 @@ void Shell::start()
         tcore::SettingManager::setStr(QStringLiteral("language"), m_options.language);
 
     m_hostNodes->create(m_options.level);
+    if (!m_options.usbDir.isEmpty()) {
+        // The module takes this folder for the mounted USB disk.
+        orba::m()->set(this, QStringLiteral("tormo.usb.root"), m_options.usbDir, true);
+        orba::m()->set(this, QStringLiteral("tormo.usb.present"), true, true);
+        if (!QFileInfo(m_options.usbDir).isDir())
+            report(QStringLiteral("warning"), tr("USB folder not found"), m_options.usbDir);
+    }
     m_window = std::make_unique<MainWindow>();
+    connect(m_window.get(), &MainWindow::languageChanged, this, &Shell::updateHome);
 
     attachController();
     loadModules();
@@ -73,8 +96,8 @@ void Shell::start()
     connect(manager, &orbat::ControllerManager::rcConnected, this, &Shell::onConnected);
     connect(manager, &orbat::ControllerManager::rcDisconnected, this, [this] {
         tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("warning"),
-                                                   QStringLiteral("Controller disconnected"),
-                                                   m_transport ? m_transport->peerName() : QString(), 1);
+                                                   tr("Controller disconnected"),
+                                                   peerText(m_transport.get()), 1);
         updateHome();
     });
     if (m_transport)
@@ -82,7 +105,7 @@ void Shell::start()
 
     if (!m_options.page.isEmpty()) {
         if (!m_window->showPage(m_options.page))
-            report(QStringLiteral("warning"), QStringLiteral("Page not found"), m_options.page);
+            report(QStringLiteral("warning"), tr("Page not found"), m_options.page);
     } else {
         // The operator lands on the first module page; home when there is none.
         for (const QString &page : m_window->navigation()->pages()) {
@@ -108,7 +131,7 @@ void Shell::attachController()
         m_embedded = std::make_unique<rc::EmbeddedController>(options);
         QString error;
         if (!m_embedded->start(&error)) {
-            report(QStringLiteral("error"), QStringLiteral("Controller not started"), error);
+            report(QStringLiteral("error"), tr("Controller not started"), error);
             m_embedded.reset();
             return;
         }
@@ -122,7 +145,7 @@ void Shell::loadModules()
     if (m_options.modulesDir.isEmpty())
         return;
     if (!QFileInfo(m_options.modulesDir).isDir()) {
-        report(QStringLiteral("warning"), QStringLiteral("No module directory"), m_options.modulesDir);
+        report(QStringLiteral("warning"), tr("No module directory"), m_options.modulesDir);
         return;
     }
     const QStringList keys = m_loader->loadLibraries(m_options.modulesDir);
@@ -131,22 +154,28 @@ void Shell::loadModules()
     const QString language = tcore::SettingManager::getStr(QStringLiteral("language"), QStringLiteral("en"));
     if (language != QLatin1String("en"))
         tcore::ManagerHelper::instance()->reloadTranslations(language);
-    m_loader->initModules();
-    m_loader->setupModules();
-    m_loader->renderModules();
-    m_window->navigation()->rebuild();
+    {
+        // Modules translate their navigation titles once, when they register them: seeing which
+        // texts they looked up lets the navigation translate the titles again on a language change.
+        SourceRecorder recorder;
+        m_loader->initModules();
+        m_loader->setupModules();
+        m_loader->renderModules();
+        recorder.stop();
+        m_window->navigation()->setTitleSources(recorder.sources());
+    }
     for (dwel::BModule *module : m_loader->modules()) {
-        tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("info"), QStringLiteral("Module loaded"),
+        tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("info"), tr("Module loaded"),
                                                    m_loader->keyOf(module), 1);
     }
 }
 
 void Shell::onConnected()
 {
-    tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("info"), QStringLiteral("Controller connected"),
-                                               m_transport ? m_transport->peerName() : QString(), 1);
+    tcore::ManagerHelper::instance()->throwLog(this, QStringLiteral("info"), tr("Controller connected"),
+                                               peerText(m_transport.get()), 1);
     if (!m_hostNodes->refreshProject())
-        report(QStringLiteral("warning"), QStringLiteral("Project"), QStringLiteral("tool and work-object lists not read"));
+        report(QStringLiteral("warning"), tr("Project"), tr("tool and work-object lists not read"));
     // A reconnected controller starts from its own toolset: make the tool page's choice active again.
     m_hostNodes->applyToolpage();
     updateHome();
@@ -157,13 +186,14 @@ void Shell::updateHome()
     if (!m_window)
         return;
     const bool up = tservice()->controllerManager()->isConnected();
-    QString html = QStringLiteral("<h2>Teach pendant</h2>");
-    html += QStringLiteral("<p><b>Controller:</b> %1 (%2)</p>")
-                .arg(m_transport ? m_transport->peerName().toHtmlEscaped() : QStringLiteral("none"),
-                     up ? QStringLiteral("connected") : QStringLiteral("not connected"));
+    const QString peer = peerText(m_transport.get());
+    QString html = QStringLiteral("<h2>%1</h2>").arg(tr("Teach pendant").toHtmlEscaped());
+    html += QStringLiteral("<p><b>%1</b> %2 (%3)</p>")
+                .arg(tr("Controller:").toHtmlEscaped(), peer.toHtmlEscaped(),
+                     (up ? tr("connected") : tr("not connected")).toHtmlEscaped());
     if (m_embedded)
-        html += QStringLiteral("<p><b>Controller data:</b> %1</p>").arg(m_options.dataDir.toHtmlEscaped());
-    html += QStringLiteral("<p><b>Modules:</b> %1</p>").arg(m_options.modulesDir.toHtmlEscaped());
+        html += QStringLiteral("<p><b>%1</b> %2</p>").arg(tr("Controller data:").toHtmlEscaped(), m_options.dataDir.toHtmlEscaped());
+    html += QStringLiteral("<p><b>%1</b> %2</p>").arg(tr("Modules:").toHtmlEscaped(), m_options.modulesDir.toHtmlEscaped());
     html += QStringLiteral("<ul>");
     for (const ModuleLoader::Library &lib : m_loader->libraries()) {
         const QString name = QFileInfo(lib.file).fileName().toHtmlEscaped();
@@ -173,7 +203,7 @@ void Shell::updateHome()
             html += QStringLiteral("<li><span style='color:#c62828'>%1: %2</span></li>").arg(name, lib.error.toHtmlEscaped());
     }
     if (m_loader->libraries().isEmpty())
-        html += QStringLiteral("<li>none found</li>");
+        html += QStringLiteral("<li>%1</li>").arg(tr("none found").toHtmlEscaped());
     html += QStringLiteral("</ul>");
     m_window->setHomeText(html);
 }

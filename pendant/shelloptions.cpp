@@ -2,6 +2,8 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QHostAddress>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 QStringList ShellOptions::languages()
@@ -12,7 +14,16 @@ QStringList ShellOptions::languages()
 
 QString ShellOptions::defaultModulesDir(const QString &applicationDir)
 {
-    return QDir::cleanPath(applicationDir + QStringLiteral("/../modules"));
+    const QString beside = QDir::cleanPath(applicationDir + QStringLiteral("/../modules"));
+#ifdef TPENDANT_INSTALLED_MODULES
+    // An installed shell keeps its modules under the library directory, relative to its binary so
+    // that a staged or moved installation works too; the build tree's directory wins when present.
+    const QString installed =
+        QDir::cleanPath(applicationDir + QLatin1Char('/') + QStringLiteral(TPENDANT_INSTALLED_MODULES));
+    if (!QFileInfo(beside).isDir() && QFileInfo(installed).isDir())
+        return installed;
+#endif
+    return beside;
 }
 
 QString ShellOptions::defaultDataDir()
@@ -44,7 +55,8 @@ bool ShellOptions::parse(const QStringList &arguments, const QString &applicatio
                                   QStringLiteral("Language: ") + languages().join(QStringLiteral(", ")) + '.',
                                   QStringLiteral("CODE"));
     const QCommandLineOption modules(QStringLiteral("modules"),
-                                     QStringLiteral("Module directory (default <bin>/../modules)."),
+                                     QStringLiteral("Module directory (default <bin>/../modules, or the "
+                                                    "installed one)."),
                                      QStringLiteral("DIR"));
     const QCommandLineOption page(QStringLiteral("page"),
                                   QStringLiteral("Page to show at start: navigation name, title or module key "
@@ -56,7 +68,14 @@ bool ShellOptions::parse(const QStringList &arguments, const QString &applicatio
     const QCommandLineOption settings(QStringLiteral("settings"),
                                       QStringLiteral("Settings file (default in the user's config dir)."),
                                       QStringLiteral("FILE"));
-    parser.addOptions({help, rc, data, level, lang, modules, page, shot, settings});
+    const QCommandLineOption usb(QStringLiteral("usb"),
+                                 QStringLiteral("Folder that stands in for the USB disk (import and export of pallets)."),
+                                 QStringLiteral("DIR"));
+    const QCommandLineOption vnc(QStringLiteral("vnc-listen"),
+                                 QStringLiteral("Address the VNC server listens on with -platform vnc (default "
+                                                "127.0.0.1; 0.0.0.0 serves every network, without a password)."),
+                                 QStringLiteral("ADDR"));
+    parser.addOptions({help, rc, data, level, lang, modules, page, shot, settings, usb, vnc});
 
     ShellOptions o;
     o.modulesDir = defaultModulesDir(applicationDir);
@@ -120,6 +139,22 @@ bool ShellOptions::parse(const QStringList &arguments, const QString &applicatio
     }
     if (parser.isSet(settings))
         o.settingsFile = parser.value(settings);
+    if (parser.isSet(usb)) {
+        o.usbDir = parser.value(usb);
+        if (o.usbDir.isEmpty()) {
+            *error = QStringLiteral("--usb expects a folder");
+            return false;
+        }
+        o.usbDir = QDir(o.usbDir).absolutePath();
+    }
+    if (parser.isSet(vnc)) {
+        const QHostAddress address(parser.value(vnc));
+        if (address.isNull()) {
+            *error = QStringLiteral("--vnc-listen expects an IP address, got \"%1\"").arg(parser.value(vnc));
+            return false;
+        }
+        o.vncListen = address.toString();
+    }
     *options = o;
     return true;
 }

@@ -15,10 +15,13 @@ struct ShellOptions
     QString page;        // page shown at start (navigation name, title or module key); empty: the first
     QString screenshot;  // render the window into this PNG after start-up, then quit
     QString settingsFile; // empty: settings are kept in memory only
+    QString usbDir;      // non-empty: this folder stands in for the USB disk
+    QString vncListen = QStringLiteral("127.0.0.1"); // address of the VNC server (-platform vnc)
     bool noController = false;
 
     static QStringList languages();
-    // The module directory next to the binary: <dir of binary>/../modules.
+    // The module directory next to the binary, <dir of binary>/../modules; when that does not exist
+    // and the installed one (<prefix>/<libdir>/tpendant/modules seen from <prefix>/bin) does, that one.
     static QString defaultModulesDir(const QString &applicationDir);
     static QString defaultDataDir();
     static QString defaultSettingsFile();

@@ -10,6 +10,7 @@
 #include <tcore/settingmanager.h>
 
 #include <QComboBox>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -62,7 +63,7 @@ StatusBar::StatusBar(QWidget *parent)
     m_level = new QComboBox(this);
     m_level->setObjectName(QStringLiteral("cmbLevel"));
     for (int level = 0; level <= 4; ++level)
-        m_level->addItem(QStringLiteral("Level %1").arg(level), level);
+        m_level->addItem(QString(), level);
     m_level->setMinimumSize(120, 44);
     layout->addWidget(m_level);
 
@@ -89,13 +90,58 @@ StatusBar::StatusBar(QWidget *parent)
     connect(manager, &orbat::ControllerManager::rcConnected, this, &StatusBar::onConnected);
     connect(manager, &orbat::ControllerManager::rcDisconnected, this, &StatusBar::onDisconnected);
     connect(tservice(), &TService::watchEvent, this, [this](const QString &name, const QVariant &data) {
-        if (name == QLatin1String("sys.power"))
-            showPower(data.toString() == QLatin1String("on") || data.toBool(), true);
+        if (name != QLatin1String("sys.power"))
+            return;
+        const int power = parsePower(data);
+        if (power >= 0)
+            showPower(power == 1, true);
     });
+    retranslate();
     refresh();
 }
 
 StatusBar::~StatusBar() = default;
+
+int StatusBar::parsePower(const QVariant &value)
+{
+    switch (value.userType()) {
+    case QMetaType::Bool:
+        return value.toBool() ? 1 : 0;
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::UInt:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+        return value.toDouble() != 0.0 ? 1 : 0;
+    case QMetaType::QString:
+    case QMetaType::QByteArray: {
+        // Not QVariant::toBool(): every non-empty text but "0" and "false" would be "on".
+        const QString text = value.toString().trimmed().toLower();
+        if (text == QLatin1String("on") || text == QLatin1String("true") || text == QLatin1String("1"))
+            return 1;
+        if (text == QLatin1String("off") || text == QLatin1String("false") || text == QLatin1String("0"))
+            return 0;
+        return -1;
+    }
+    default:
+        return -1;
+    }
+}
+
+void StatusBar::changeEvent(QEvent *event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+}
+
+void StatusBar::retranslate()
+{
+    for (int i = 0; i < m_level->count(); ++i)
+        m_level->setItemText(i, tr("Level %1").arg(m_level->itemData(i).toInt()));
+    showLink(m_linkUp);
+    showPower(m_powerOn, m_powerKnown);
+}
 
 void StatusBar::followLevelNode()
 {
@@ -137,8 +183,10 @@ void StatusBar::showLink(bool up)
     const bool changed = up != m_linkUp;
     m_linkUp = up;
     const orbat::Transport *transport = tservice()->transport();
-    const QString peer = transport ? transport->peerName() : QStringLiteral("none");
-    m_link->setText(up ? QStringLiteral("● Controller %1").arg(peer) : QStringLiteral("○ No controller (%1)").arg(peer));
+    QString peer = transport ? transport->peerName() : tr("none");
+    if (peer == QLatin1String("embedded"))
+        peer = tr("built-in simulator");
+    m_link->setText(up ? tr("● Controller: %1").arg(peer) : tr("○ No controller (%1)").arg(peer));
     m_link->setProperty("linkUp", up);
     m_link->setStyleSheet(up ? QStringLiteral("color: #7ee07e;") : QStringLiteral("color: #ff6b6b;"));
     const QString id = orba::m(QStringLiteral("tcore.r.id"))->getString();
@@ -151,9 +199,10 @@ void StatusBar::showPower(bool on, bool known)
 {
     const bool changed = on != m_powerOn;
     m_powerOn = on;
-    m_power->setChecked(on);
+    m_powerKnown = known;
+    m_power->setChecked(known && on);
     m_power->setEnabled(m_linkUp);
-    m_power->setText(!known ? QStringLiteral("Power ?") : on ? QStringLiteral("Power ON") : QStringLiteral("Power OFF"));
+    m_power->setText(!known ? tr("Power ?") : on ? tr("Power ON") : tr("Power OFF"));
     m_power->setProperty("powerOn", on);
     if (known)
         kx::globalNode(QStringLiteral("tcore.r.power"))->setValue(this, on ? QStringLiteral("on") : QStringLiteral("off"));
@@ -168,8 +217,12 @@ bool StatusBar::refreshPower()
         showPower(false, false);
         return false;
     }
-    const QVariant v = reply->value();
-    showPower(v.toString() == QLatin1String("on") || (v.type() == QVariant::Bool && v.toBool()), true);
+    const int power = parsePower(reply->value());
+    if (power < 0) {
+        showPower(false, false);
+        return false;
+    }
+    showPower(power == 1, true);
     return true;
 }
 

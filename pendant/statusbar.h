@@ -14,7 +14,9 @@ class ModuleObject;
 /*
  * The top bar of the shell: controller link and identity, power switch, user level and language.
  * The level combo writes "tcore.r.level" and follows it; the language combo writes the host
- * setting "language" (which reloads the modules' translations) and follows it.
+ * setting "language" (which reloads the modules' translations) and follows it. The power button
+ * shows what the controller reports (read on every connection, then followed through the watched
+ * value "sys.power"), never what was asked of it.
  */
 class StatusBar : public QFrame
 {
@@ -33,12 +35,20 @@ public:
     bool refreshPower();
     // Asks the controller to switch the power; the shown state follows the controller's answer.
     bool requestPower(bool on);
+    bool isPowerKnown() const { return m_powerKnown; }
+    // "on" / "off" (any case), a bool or a number as the controller may report the power: 1 on,
+    // 0 off, -1 not a power state.
+    static int parsePower(const QVariant &value);
 
 signals:
     void linkChanged(bool up);
     void powerChanged(bool on);
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
+    void retranslate();
     void onConnected();
     void onDisconnected();
     void showLink(bool up);
@@ -59,5 +69,6 @@ private:
     QPointer<orba::ModuleObject> m_powerWatch;
     bool m_linkUp = false;
     bool m_powerOn = false;
+    bool m_powerKnown = false;
     bool m_updating = false;
 };

@@ -4,6 +4,9 @@
 #   bash tools/dev.sh test                     build, then run every test with ctest
 #   bash tools/dev.sh test-asan                the same in a separate AddressSanitizer/UBSan build
 #   bash tools/dev.sh bench                    build, then run every benchmark
+#   bash tools/dev.sh cross                    AArch64 build (build-aarch64/), its tests under qemu,
+#                                              generated places compared with x86-64 byte for byte
+#   bash tools/dev.sh package                  Debian packages of a /usr build into build-ship/packages/
 # Missing Debian packages (listed in .ci/packages.txt) are installed first.
 set -euo pipefail
 
@@ -39,14 +42,48 @@ run_tests() {
     ctest --test-dir "$dir" --output-on-failure -j "$jobs" --timeout 600
 }
 
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# The arm64 half of Debian multiarch: cross compiler, arm64 Qt and SQLite driver, user-mode qemu.
+cross_packages=(crossbuild-essential-arm64 qtbase5-dev:arm64 libqt5sql5-sqlite:arm64 qemu-user-static)
+install_cross_deps() {
+    dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
+    local missing=()
+    for pkg in "${cross_packages[@]}"; do
+        dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    as_root apt-get update -q
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+# Tests start other aarch64 programs (rcsim, the picture generator), so the kernel must hand
+# aarch64 binaries to qemu. qemu-user-static's rule is registered at boot by systemd-binfmt; where
+# nothing did (containers without systemd), it is registered here.
+enable_binfmt() {
+    local misc=/proc/sys/fs/binfmt_misc
+    [ -e "$misc/qemu-aarch64" ] && return 0
+    [ -e "$misc/register" ] || as_root mount -t binfmt_misc binfmt_misc "$misc" || {
+        echo "cannot mount $misc: aarch64 programs started by the tests would not run" >&2
+        return 1
+    }
+    as_root sh -c "cat /usr/lib/binfmt.d/qemu-aarch64.conf > $misc/register"
+    echo "Registered qemu-aarch64 with binfmt_misc."
+}
+
 case "$cmd" in
 run)
     install_deps
     build "$root/build"
     args=("$@")
     if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [[ " ${args[*]} " != *" -platform "* ]]; then
-        echo "No display: tpendant is served over VNC on localhost:5900 (connect a VNC viewer)."
-        args=(-platform "vnc:size=1280x800" "${args[@]}")
+        # tpendant keeps the VNC server on 127.0.0.1 unless --vnc-listen ADDR says otherwise.
+        echo "No display: tpendant is served over VNC on 127.0.0.1:${VNC_PORT:-5900}, loopback only" \
+             "(viewer on this machine, or an SSH tunnel: ssh -L 5900:127.0.0.1:${VNC_PORT:-5900} HOST)."
+        args=(-platform "vnc:size=1280x800:port=${VNC_PORT:-5900}" "${args[@]}")
     fi
     exec "$root/build/bin/tpendant" "${args[@]}"
     ;;
@@ -70,8 +107,57 @@ bench)
         [ -x "$b" ] && "$b"
     done
     ;;
+cross)
+    install_deps
+    install_cross_deps
+    enable_binfmt
+    out=$root/build-aarch64
+    start=$SECONDS
+    build "$out" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-aarch64.cmake" -DTPALLET_BUILD_BENCH=OFF
+    cmake --build "$out" -j "$jobs" --target dump_places
+    echo "aarch64 build: $((SECONDS - start)) s"
+    # The same pallets' places from the x86-64 build (the test build's directory by default).
+    native=${NATIVE_BUILD_DIR:-$root/build}
+    if [ ! -f "$native/build.ninja" ]; then
+        launcher=()
+        command -v ccache >/dev/null 2>&1 && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+        cmake -S "$root" -B "$native" -G Ninja "${launcher[@]}"
+    fi
+    cmake --build "$native" -j "$jobs" --target dump_places
+    for arch in x86_64 aarch64; do
+        bin=$native/bin/dump_places
+        [ "$arch" = aarch64 ] && bin=$out/bin/dump_places
+        "$bin" "$out/places-$arch.bin"
+        "$bin" --frames "$out/frames-$arch.bin" > /dev/null
+    done
+    if ! cmp "$out/places-x86_64.bin" "$out/places-aarch64.bin"; then
+        "$native/bin/dump_places" --text "$out/places-x86_64.txt"
+        "$out/bin/dump_places" --text "$out/places-aarch64.txt"
+        diff "$out/places-x86_64.txt" "$out/places-aarch64.txt" | head -20
+        echo "generated places differ between x86-64 and aarch64" >&2
+        exit 1
+    fi
+    echo "generated places: x86-64 and aarch64 identical ($(sha256sum < "$out/places-aarch64.bin" | cut -c1-16))"
+    differing=$({ cmp -l "$out/frames-x86_64.bin" "$out/frames-aarch64.bin" || true; } |
+                awk '{print int(($1 - 1) / 8)}' | uniq | wc -l)
+    echo "frame arithmetic of the same places: $differing of $(($(stat -c %s "$out/frames-aarch64.bin") / 8)) numbers" \
+         "differ in their last bits (the C library's trigonometry and Eigen round differently per CPU)"
+    start=$SECONDS
+    run_tests "$out"
+    echo "aarch64 tests under qemu: $((SECONDS - start)) s"
+    ;;
+package)
+    install_deps
+    build "$root/build-ship" -DCMAKE_INSTALL_PREFIX=/usr -DTPALLET_BUILD_TESTS=OFF -DTPALLET_BUILD_BENCH=OFF
+    rm -f "$root"/build-ship/packages/*.deb
+    (cd "$root/build-ship" && cpack -G DEB)
+    for deb in "$root"/build-ship/packages/*.deb; do
+        echo "== $deb"
+        dpkg-deb -f "$deb" Package Version Architecture Depends Recommends
+    done
+    ;;
 *)
-    sed -n '2,7p' "${BASH_SOURCE[0]}"
+    sed -n '2,10p' "${BASH_SOURCE[0]}"
     exit 2
     ;;
 esac

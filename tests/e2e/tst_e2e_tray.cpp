@@ -1,6 +1,4 @@
-#include "pendanttestutil.h"
-#include "mainwindow.h"
-#include "shell.h"
+#include "e2eshell.h"
 
 #include <orba/moduleobject.h>
 #include <orbat/tservice.h>
@@ -20,20 +18,6 @@
 #include <cmath>
 #include <memory>
 
-namespace {
-
-QDialog *openDialog(const QString &objectName)
-{
-    for (QWidget *w : QApplication::topLevelWidgets()) {
-        auto *dialog = qobject_cast<QDialog *>(w);
-        if (dialog && dialog->objectName() == objectName && dialog->isVisible())
-            return dialog;
-    }
-    return nullptr;
-}
-
-} // namespace
-
 class TestE2eTray : public QObject
 {
     Q_OBJECT
@@ -50,9 +34,8 @@ private slots:
 
 private:
     ShellOptions options() const;
-    QTableWidget *table(Shell &shell) const;
-    bool startShell(Shell &shell);
-    void addPallet(Shell &shell, const QString &name, int rows, int cols);
+    QTableWidget *table(Shell &shell) const { return palletTable(shell); }
+    void addPallet(Shell &shell, const QString &name, int rows, int cols) { addPalletThroughDialog(shell, name, rows, cols); }
     void configurePattern(Shell &shell);
     std::unique_ptr<QTemporaryDir> m_data;
 };
@@ -77,49 +60,6 @@ ShellOptions TestE2eTray::options() const
     o.level = 3;
     o.page = QStringLiteral("tpallet.page");
     return o;
-}
-
-QTableWidget *TestE2eTray::table(Shell &shell) const
-{
-    return shell.window()->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
-}
-
-bool TestE2eTray::startShell(Shell &shell)
-{
-    resetHost();
-    shell.start();
-    if (!EmbeddedLink::waitConnected(true, 10000))
-        return false;
-    QElapsedTimer timer;
-    timer.start();
-    while (!table(shell) && timer.elapsed() < 5000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    // The page loads the pallet list on the connection; let that settle.
-    QTest::qWait(200);
-    return table(shell) != nullptr;
-}
-
-void TestE2eTray::addPallet(Shell &shell, const QString &name, int rows, int cols)
-{
-    auto *add = shell.window()->findChild<QPushButton *>(QStringLiteral("btnAdd"));
-    QVERIFY(add);
-    QTRY_VERIFY(add->isEnabled());
-    QTest::mouseClick(add, Qt::LeftButton);
-    QDialog *dialog = nullptr;
-    QTRY_VERIFY((dialog = openDialog(QStringLiteral("NewPalletDialog"))) != nullptr);
-
-    auto *edtName = dialog->findChild<QLineEdit *>(QStringLiteral("edtName"));
-    auto *spnRow = dialog->findChild<QSpinBox *>(QStringLiteral("spnRow"));
-    auto *spnCol = dialog->findChild<QSpinBox *>(QStringLiteral("spnCol"));
-    auto *ok = dialog->findChild<QPushButton *>(QStringLiteral("btnOk"));
-    QVERIFY(edtName && spnRow && spnCol && ok);
-    edtName->clear();
-    QTest::keyClicks(edtName, name);
-    spnRow->setValue(rows);
-    spnCol->setValue(cols);
-    QPointer<QDialog> guard = dialog;
-    QTest::mouseClick(ok, Qt::LeftButton);
-    QTRY_VERIFY(guard.isNull() || !guard->isVisible());
 }
 
 void TestE2eTray::addedPalletSurvivesRestartOfPendantAndController()

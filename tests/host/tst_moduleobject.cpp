@@ -59,6 +59,13 @@ private slots:
     void copyFromKeepsOwnName();
     void copyFromDescendant();
     void copyFromEmptyClears();
+    void overlayFrom_data();
+    void overlayFrom();
+    void overlayFromNotifiesWithSender();
+    void overlayFromCopiesIndependently();
+    void overlayFromDescendantAndAncestor();
+    void overlayFromNothingChangesNothing();
+    void overlayDefaultLayoutWithRecord();
     void ancestorsAndIndex();
     void isNullAndIsEmpty_data();
     void isNullAndIsEmpty();
@@ -579,6 +586,196 @@ void TestModuleObject::copyFromEmptyClears()
     node.set(nullptr, "c", 1);
     node.copyFrom(nullptr, nullptr);
     QVERIFY(node.isNull());
+}
+
+void TestModuleObject::overlayFrom_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QByteArray>("expected");
+
+    QTest::newRow("source value wins") << QByteArray(R"({"a":1,"b":2})") << QByteArray(R"({"b":3})")
+                                       << QByteArray(R"({"a":1,"b":3})");
+    QTest::newRow("keys only in source go last, in source order")
+        << QByteArray(R"({"a":1,"b":2})") << QByteArray(R"({"z":9,"b":3,"c":4})")
+        << QByteArray(R"({"a":1,"b":3,"z":9,"c":4})");
+    QTest::newRow("nested objects merge") << QByteArray(R"({"p":{"x":1,"y":2},"q":true})")
+                                          << QByteArray(R"({"p":{"y":5,"w":6}})")
+                                          << QByteArray(R"({"p":{"x":1,"y":5,"w":6},"q":true})");
+    QTest::newRow("null in source keeps the value") << QByteArray(R"({"a":1,"b":"x"})")
+                                                    << QByteArray(R"({"a":null})")
+                                                    << QByteArray(R"({"a":1,"b":"x"})");
+    QTest::newRow("value type follows source") << QByteArray(R"({"a":1})") << QByteArray(R"({"a":1.0})")
+                                               << QByteArray(R"({"a":1.0})");
+    QTest::newRow("array replaces a longer array") << QByteArray(R"({"t":[1,2,3]})")
+                                                   << QByteArray(R"({"t":[7,8]})")
+                                                   << QByteArray(R"({"t":[7,8]})");
+    QTest::newRow("array fills an empty layout entry") << QByteArray(R"({"points":null,"n":0})")
+                                                       << QByteArray(R"({"points":[[1,2],[3,4]]})")
+                                                       << QByteArray(R"({"points":[[1,2],[3,4]],"n":0})");
+    QTest::newRow("empty array in source keeps the target's") << QByteArray(R"({"t":[1,2]})")
+                                                              << QByteArray(R"({"t":null})")
+                                                              << QByteArray(R"({"t":[1,2]})");
+    QTest::newRow("object over a leaf keeps its value") << QByteArray(R"({"w":5})")
+                                                        << QByteArray(R"({"w":{"x":1}})")
+                                                        << QByteArray(R"({"w":{"@value":5,"x":1}})");
+    QTest::newRow("leaf over an object sets its value") << QByteArray(R"({"w":{"x":1}})")
+                                                        << QByteArray(R"({"w":"v"})")
+                                                        << QByteArray(R"({"w":{"@value":"v","x":1}})");
+    QTest::newRow("own value of the node") << QByteArray(R"({"@value":1,"a":1})")
+                                           << QByteArray(R"({"@value":"top"})")
+                                           << QByteArray(R"({"@value":"top","a":1})");
+}
+
+void TestModuleObject::overlayFrom()
+{
+    QFETCH(QByteArray, target);
+    QFETCH(QByteArray, source);
+    QFETCH(QByteArray, expected);
+
+    ModuleObject t("target");
+    QVERIFY(t.importFromJson(nullptr, target));
+    ModuleObject s("source");
+    QVERIFY(s.importFromJson(nullptr, source));
+    ModuleObject want;
+    QVERIFY(want.importFromJson(nullptr, expected));
+    const QByteArray sourceBefore = s.exportToJson(true);
+
+    t.overlayFrom(nullptr, &s);
+    QVERIFY2(t.equals(&want), t.exportToJson(true).constData());
+    QCOMPARE(t.name(), QStringLiteral("target"));
+    QCOMPARE(s.exportToJson(true), sourceBefore);
+}
+
+void TestModuleObject::overlayFromNotifiesWithSender()
+{
+    ModuleObject target;
+    target.set(nullptr, "a", 1);
+    target.set(nullptr, "b", 2);
+    ModuleObject source;
+    source.set(nullptr, "b", 3);
+    source.set(nullptr, "c.d", 4);
+    QSignalSpy inserted(&target, &ModuleObject::childInserted);
+    QSignalSpy changedB(target.r("b"), &ModuleObject::changed);
+    QSignalSpy changedA(target.r("a"), &ModuleObject::changed);
+
+    target.overlayFrom(this, &source, true);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.at(0).at(0).value<ModuleObject *>(), target.r("c"));
+    QCOMPARE(inserted.at(0).at(1).toInt(), 2);
+    QCOMPARE(inserted.at(0).at(2).value<QObject *>(), this);
+    QCOMPARE(changedB.count(), 1);
+    QCOMPARE(changedB.at(0).at(0).toInt(), 3);
+    QCOMPARE(changedB.at(0).at(2).value<QObject *>(), this);
+    QCOMPARE(changedA.count(), 0);
+
+    // Silent when asked.
+    ModuleObject quiet;
+    quiet.set(nullptr, "b", 1);
+    QSignalSpy quietInserted(&quiet, &ModuleObject::childInserted);
+    QSignalSpy quietChanged(quiet.r("b"), &ModuleObject::changed);
+    quiet.overlayFrom(this, &source, false);
+    QCOMPARE(quietInserted.count(), 0);
+    QCOMPARE(quietChanged.count(), 0);
+    QCOMPARE(quiet.r("c.d")->getInt(), 4);
+}
+
+void TestModuleObject::overlayFromCopiesIndependently()
+{
+    ModuleObject source;
+    source.set(nullptr, "pose.trans.#0", -0.0);
+    source.set(nullptr, "pose.trans.#1", 0.1 + 0.2);
+    ModuleObject target;
+    target.set(nullptr, "pose.rot.#0", 1.0);
+    target.overlayFrom(nullptr, &source);
+    QVERIFY(sameBits(target.r("pose.trans.#0")->getDouble(), -0.0));
+    QVERIFY(sameBits(target.r("pose.trans.#1")->getDouble(), 0.1 + 0.2));
+    QVERIFY(target.r("pose.trans") != source.r("pose.trans"));
+    source.set(nullptr, "pose.trans.#1", 5.0);
+    source.append(nullptr, "later");
+    QVERIFY(sameBits(target.r("pose.trans.#1")->getDouble(), 0.1 + 0.2));
+    QVERIFY(!target.hasCmobj("later"));
+    QCOMPARE(target.r("pose")->cmobjNames(), (QStringList{"rot", "trans"}));
+}
+
+void TestModuleObject::overlayFromDescendantAndAncestor()
+{
+    ModuleObject root;
+    root.set(nullptr, "a", 1);
+    root.set(nullptr, "sub.a", 2);
+    root.set(nullptr, "sub.b", 3);
+    // A descendant laid over its ancestor.
+    root.overlayFrom(nullptr, root.r("sub"));
+    QCOMPARE(root.r("a")->getInt(), 2);
+    QCOMPARE(root.r("b")->getInt(), 3);
+    QCOMPARE(root.r("sub.a")->getInt(), 2);
+    QCOMPARE(root.cmobjNames(), (QStringList{"a", "sub", "b"}));
+
+    // An ancestor laid over its descendant: the copy is taken before anything changes.
+    ModuleObject tree;
+    tree.set(nullptr, "x", 1);
+    tree.set(nullptr, "inner.y", 2);
+    ModuleObject *inner = tree.r("inner");
+    inner->overlayFrom(nullptr, &tree);
+    QCOMPARE(inner->r("x")->getInt(), 1);
+    QCOMPARE(inner->r("y")->getInt(), 2);
+    QCOMPARE(inner->r("inner.y")->getInt(), 2);
+    QVERIFY(inner->r("inner.inner")->isEmpty());
+
+    // Overlaying itself is a no-op.
+    const QByteArray before = tree.exportToJson(true);
+    tree.overlayFrom(nullptr, &tree);
+    QCOMPARE(tree.exportToJson(true), before);
+}
+
+void TestModuleObject::overlayFromNothingChangesNothing()
+{
+    ModuleObject target;
+    target.set(nullptr, "a", 1);
+    target.setValue(nullptr, 7);
+    const QByteArray before = target.exportToJson(true);
+    QSignalSpy changed(&target, &ModuleObject::changed);
+    QSignalSpy inserted(&target, &ModuleObject::childInserted);
+    QSignalSpy cleared(&target, &ModuleObject::cleared);
+    target.overlayFrom(this, nullptr);
+    target.overlayFrom(this, ModuleManager::emptyMobj());
+    ModuleObject null;
+    target.overlayFrom(this, &null);
+    QCOMPARE(target.exportToJson(true), before);
+    QCOMPARE(changed.count() + inserted.count() + cleared.count(), 0);
+
+    // The empty node ignores overlays.
+    ModuleObject source;
+    source.set(nullptr, "k", 1);
+    ModuleManager::emptyMobj()->overlayFrom(this, &source);
+    QCOMPARE(ModuleManager::emptyMobj()->cmobjCount(), 0);
+}
+
+void TestModuleObject::overlayDefaultLayoutWithRecord()
+{
+    // The use it was made for: a record written over its layout with defaults, so that every key
+    // of the layout is present, in the layout's order, with the record's values.
+    ModuleObject layout;
+    QVERIFY(layout.importFromJson(nullptr, R"({"pattern":{"origin":0,"s_type":false,"row":1,"col":1,"exchange":false,
+        "rank_v":false},"calibrate":{"toolset":null,"use_p4":true,"points":null},"waypoint":null,"points":null})"));
+    ModuleObject record;
+    QVERIFY(record.importFromJson(nullptr, R"({"name":"a","pattern":{"col":30,"row":40},
+        "calibrate":{"x_span":1.25,"use_p4":false,"points":[[[0.0,0.0],[0.5,0.0]]]},
+        "points":[{"wobj":{"trans":[0.1,0.2,0.3]}}]})"));
+    ModuleObject out("temp");
+    out.copyFrom(nullptr, &layout);
+    out.overlayFrom(nullptr, &record);
+    QCOMPARE(out.cmobjNames(), (QStringList{"pattern", "calibrate", "waypoint", "points", "name"}));
+    QCOMPARE(out.r("pattern")->cmobjNames(),
+             (QStringList{"origin", "s_type", "row", "col", "exchange", "rank_v"}));
+    QCOMPARE(out.r("pattern.row")->getInt(), 40);
+    QCOMPARE(out.r("pattern.col")->getInt(), 30);
+    QCOMPARE(out.r("pattern.s_type")->value(), QVariant(false));
+    QCOMPARE(out.r("calibrate")->cmobjNames(), (QStringList{"toolset", "use_p4", "points", "x_span"}));
+    QCOMPARE(out.r("calibrate.use_p4")->getBool(true), false);
+    QCOMPARE(out.r("calibrate.points.#0.#1.#0")->getDouble(), 0.5);
+    QCOMPARE(out.r("points.#0.wobj.trans.#2")->getDouble(), 0.3);
+    QVERIFY(out.r("waypoint")->isNull());
 }
 
 void TestModuleObject::ancestorsAndIndex()

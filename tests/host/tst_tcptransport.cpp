@@ -27,6 +27,8 @@ public:
     std::atomic<bool> silent{false};
     std::atomic<int> pings{0};
     std::atomic<int> accepted{0};
+    // Replies (not pongs) wait this long, as a controller busy with a long check would.
+    std::atomic<int> delayMs{0};
 
     quint16 start()
     {
@@ -84,6 +86,8 @@ private:
             }
             if (method == "event")
                 s->write("{\"event\":\"sys.power\",\"data\":\"off\"}\n");
+            if (delayMs > 0 && req.value("op").toString() != "ping")
+                QThread::msleep(ulong(delayMs.load()));
             s->write("{\"id\":" + id + ",\"result\":{\"status\":0,\"data\":" + data + "}}\n");
         }
     }
@@ -111,6 +115,11 @@ private slots:
     void eventsReachWatchNode();
     void pingsWhenIdle();
     void deadLinkIsDropped();
+    void busyThreadKeepsLink_data();
+    void busyThreadKeepsLink();
+    void slowSynchronousCommandsKeepLink();
+    void deadLinkAfterBusyThreadIsDropped();
+    void unansweredRequestDropsLink();
 
 private:
     void run(const std::function<void(LineServer *)> &f)
@@ -260,6 +269,88 @@ void TestTcpTransport::deadLinkIsDropped()
     QSignalSpy down(m_transport, &orbat::Transport::disconnected);
     m_server->silent = true;
     QTRY_VERIFY(down.count() >= 1);
+}
+
+// The GUI thread may be busy for longer than the liveness limit (a long loop, a synchronous
+// command): the silence of a peer that was asked nothing proves nothing, and answers that
+// arrived meanwhile are still unread in the socket.
+void TestTcpTransport::busyThreadKeepsLink_data()
+{
+    QTest::addColumn<bool>("pingBefore");
+    QTest::newRow("nothing asked before") << false;
+    QTest::newRow("ping answered while busy") << true;
+}
+
+void TestTcpTransport::busyThreadKeepsLink()
+{
+    QFETCH(bool, pingBefore);
+    m_transport->setPingInterval(100);
+    connectTransport();
+    QSignalSpy down(m_transport, &orbat::Transport::disconnected);
+    if (pingBefore) {
+        // Let a ping go out, then block before its pong is read.
+        const int pings = m_server->pings.load();
+        QTRY_VERIFY_WITH_TIMEOUT(m_server->pings.load() > pings, 2000);
+    }
+    for (int round = 0; round < 3; ++round) {
+        QThread::msleep(700);
+        QElapsedTimer free;
+        free.start();
+        while (free.elapsed() < 150)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    QCOMPARE(down.count(), 0);
+    QVERIFY(m_transport->isConnected());
+    QCOMPARE(tservice()->execCommand(this, "echo")->getInt(-1), 0);
+    QCOMPARE(m_server->accepted.load(), 1);
+}
+
+// A long run of synchronous commands, each slower than a ping interval, with the event loop
+// pumped in between as the module's check does.
+void TestTcpTransport::slowSynchronousCommandsKeepLink()
+{
+    m_transport->setPingInterval(100);
+    connectTransport();
+    QSignalSpy down(m_transport, &orbat::Transport::disconnected);
+    m_server->delayMs = 120;
+    QElapsedTimer clock;
+    clock.start();
+    int sent = 0;
+    while (clock.elapsed() < 1500) {
+        QCOMPARE(tservice()->execCommand(this, "echo")->getInt(-1), 0);
+        ++sent;
+        if (sent % 4 == 0)
+            QCoreApplication::processEvents();
+    }
+    m_server->delayMs = 0;
+    QTest::qWait(400);
+    QCOMPARE(down.count(), 0);
+    QCOMPARE(m_server->accepted.load(), 1);
+}
+
+// Being tolerant of a busy thread must not keep a dead peer: once the loop runs again, an
+// unanswered ping still drops the link.
+void TestTcpTransport::deadLinkAfterBusyThreadIsDropped()
+{
+    m_transport->setPingInterval(100);
+    connectTransport();
+    QSignalSpy down(m_transport, &orbat::Transport::disconnected);
+    m_server->silent = true;
+    QThread::msleep(700);
+    QTRY_VERIFY_WITH_TIMEOUT(down.count() >= 1, 3000);
+}
+
+// A request that timed out is an unanswered probe like a ping.
+void TestTcpTransport::unansweredRequestDropsLink()
+{
+    m_transport->setPingInterval(100);
+    connectTransport();
+    QSignalSpy down(m_transport, &orbat::Transport::disconnected);
+    m_server->silent = true;
+    tservice()->setTimeout("echo", 400);
+    QCOMPARE(tservice()->execCommand(this, "echo")->getInt(), int(TService::StatusTimeout));
+    tservice()->setTimeout("echo", 1000);
+    QTRY_VERIFY_WITH_TIMEOUT(down.count() >= 1, 3000);
 }
 
 QTEST_GUILESS_MAIN(TestTcpTransport)

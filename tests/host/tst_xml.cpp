@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QXmlStreamWriter>
 #include <QtTest>
 
 #include <cmath>
@@ -59,6 +60,125 @@ QByteArray nested(int depth)
     return s;
 }
 
+// What Qt's stream writer makes of a tree in the documented form: the reference the host's own
+// writer has to match byte for byte.
+void referenceNode(QXmlStreamWriter &w, const ModuleObject *node)
+{
+    w.writeStartElement(QStringLiteral("node"));
+    w.writeAttribute(QStringLiteral("name"), node->name());
+    const QVariant v = node->value();
+    QString type;
+    QString text;
+    switch (v.userType()) {
+    case QMetaType::UnknownType:
+        type = QStringLiteral("null");
+        break;
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+        type = QStringLiteral("int");
+        text = QString::number(v.toLongLong());
+        break;
+    case QMetaType::Double: {
+        type = QStringLiteral("double");
+        const double d = v.toDouble();
+        if (std::isnan(d))
+            text = QStringLiteral("nan");
+        else if (std::isinf(d))
+            text = d > 0 ? QStringLiteral("inf") : QStringLiteral("-inf");
+        else
+            text = QString::fromLatin1(ModuleManager::toXml(node, false).split('>').at(2).split('<').at(0));
+        break;
+    }
+    case QMetaType::Bool:
+        type = QStringLiteral("bool");
+        text = v.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+        break;
+    default:
+        type = QStringLiteral("string");
+        text = v.toString();
+        break;
+    }
+    w.writeAttribute(QStringLiteral("type"), type);
+    if (v.isValid()) {
+        int start = 0;
+        for (;;) {
+            const int cr = text.indexOf(QLatin1Char('\r'), start);
+            if (cr < 0) {
+                w.writeCharacters(text.mid(start));
+                break;
+            }
+            w.writeCharacters(text.mid(start, cr - start));
+            w.writeEntityReference(QStringLiteral("#13"));
+            start = cr + 1;
+        }
+    }
+    for (int i = 0; i < node->cmobjCount(); ++i)
+        referenceNode(w, node->c(i));
+    w.writeEndElement();
+}
+
+QByteArray referenceXml(const ModuleObject *node, bool indent)
+{
+    QByteArray out;
+    QXmlStreamWriter w(&out);
+    w.setAutoFormatting(indent);
+    w.setAutoFormattingIndent(2);
+    w.writeStartDocument();
+    referenceNode(w, node);
+    w.writeEndDocument();
+    return out;
+}
+
+// A pallet as the module exports it, every double with 17 significant digits.
+void buildFullPallet(ModuleObject *pallet, int n)
+{
+    auto pose = [](ModuleObject *p, int i) {
+        for (int k = 0; k < 3; ++k) {
+            p->set(nullptr, QStringLiteral("trans.#%1").arg(k), -0.123456789012345678 - i * 1e-6 - k * 1e-3);
+            p->set(nullptr, QStringLiteral("rot.#%1").arg(k), -3.12345678901234567 + i * 1e-6 + k * 1e-3);
+        }
+        for (int k = 0; k < 6; ++k)
+            p->set(nullptr, QStringLiteral("near.#%1").arg(k), -1.12345678901234567 - i * 1e-6 - k * 1e-2);
+    };
+    pallet->set(nullptr, "pattern.origin", 3);
+    pallet->set(nullptr, "pattern.s_type", true);
+    pallet->set(nullptr, "pattern.row", 40);
+    pallet->set(nullptr, "pattern.col", 30);
+    pallet->set(nullptr, "pattern.exchange", false);
+    pallet->set(nullptr, "pattern.rank_v", false);
+    ModuleObject *toolset = pallet->c("calibrate", true)->c("toolset", true);
+    pose(toolset->c("end", true), 1);
+    pose(toolset->c("ref", true), 2);
+    toolset->set(nullptr, "load.mass", 12.345678901234567);
+    for (int k = 0; k < 3; ++k) {
+        toolset->set(nullptr, QStringLiteral("load.cog.#%1").arg(k), -0.012345678901234567);
+        toolset->set(nullptr, QStringLiteral("load.inertia.#%1").arg(k), -0.00012345678901234567);
+    }
+    pallet->set(nullptr, "calibrate.use_p4", true);
+    for (int k = 1; k <= 4; ++k)
+        pose(pallet->r("calibrate")->c(QStringLiteral("p%1").arg(k), true), k);
+    for (const char *key : {"x_span", "y_span", "x_offset_13", "x_offset_24", "y_offset_34"})
+        pallet->set(nullptr, QStringLiteral("calibrate.%1").arg(QLatin1String(key)), -1.2345678901234567);
+    ModuleObject *grid = pallet->r("calibrate")->c("points", true);
+    for (int i = 0; i < 40; ++i) {
+        for (int j = 0; j < 30; ++j) {
+            grid->set(nullptr, QStringLiteral("#%1.#%2.#0").arg(i).arg(j), -1.2345678901234567 + i * 1e-6);
+            grid->set(nullptr, QStringLiteral("#%1.#%2.#1").arg(i).arg(j), -0.82345678901234567 + j * 1e-6);
+        }
+    }
+    for (const char *w : {"wobj", "approach", "retract"})
+        pose(pallet->c("waypoint", true)->c(w, true), 0);
+    ModuleObject *points = pallet->c("points", true);
+    for (int i = 0; i < 1200; ++i) {
+        ModuleObject *place = points->append(nullptr, QStringLiteral("#%1").arg(i));
+        for (const char *w : {"approach", "wobj", "retract"})
+            pose(place->append(nullptr, w), i);
+    }
+    pallet->set(nullptr, "name", QStringLiteral("pallet_%1_with_a_long_name_xx").arg(n, 2, 10, QLatin1Char('0')));
+    pallet->set(nullptr, "desc", QStringLiteral("a description of some length for the operator"));
+    pallet->set(nullptr, "index", n);
+}
+
 } // namespace
 
 class TestXml : public QObject
@@ -83,6 +203,12 @@ private slots:
     void atomicWriteReplacesFile_data();
     void atomicWriteReplacesFile();
     void writeIntoMissingFolderFails();
+    void writerMatchesStreamWriter_data();
+    void writerMatchesStreamWriter();
+    void plainAndGeneralFormsReadAlike_data();
+    void plainAndGeneralFormsReadAlike();
+    void capHoldsHundredFullPallets();
+    void documentAtCapAccepted();
 };
 
 void TestXml::init()
@@ -362,6 +488,119 @@ void TestXml::writeIntoMissingFolderFails()
     QVERIFY(!ModuleManager::writeToXmlFile(dir.filePath("missing/tray.xml"), &node, true, false));
     QVERIFY(!ModuleManager::lastError().isEmpty());
     QVERIFY(!ModuleManager::writeToXmlFile(dir.filePath("x.xml"), nullptr));
+}
+
+void TestXml::writerMatchesStreamWriter_data()
+{
+    QTest::addColumn<int>("tree");
+    QTest::addColumn<bool>("indent");
+    for (const bool indent : {true, false}) {
+        const char *form = indent ? "indented" : "compact";
+        QTest::newRow(qPrintable(QStringLiteral("pallet, %1").arg(QLatin1String(form)))) << 0 << indent;
+        QTest::newRow(qPrintable(QStringLiteral("values, text and children, %1").arg(QLatin1String(form)))) << 1 << indent;
+        QTest::newRow(qPrintable(QStringLiteral("lone node, %1").arg(QLatin1String(form)))) << 2 << indent;
+    }
+}
+
+void TestXml::writerMatchesStreamWriter()
+{
+    QFETCH(int, tree);
+    QFETCH(bool, indent);
+    ModuleObject root(QStringLiteral("r<o>&\"o't\t\n\r x \u00e9\U0001F600"));
+    if (tree == 0) {
+        buildPallet(&root, 40);
+    } else if (tree == 1) {
+        root.set(nullptr, "a", 1);
+        root.set(nullptr, "s", QStringLiteral("x<>&\"'\r\ny\t\u4e2d"));
+        root.set(nullptr, "e", QString(""));
+        root.set(nullptr, "n.#0", 1.5);
+        root.r("n")->setValue(nullptr, 3);
+        root.set(nullptr, "n.#1.k", true);
+        root.set(nullptr, "n.#1.d", -0.0);
+        root.set(nullptr, "z", QVariant());
+        root.set(nullptr, "cr", QStringLiteral("\rab\r"));
+        root.set(nullptr, "big", qint64(-9007199254740993LL));
+        root.set(nullptr, "inf", std::numeric_limits<double>::infinity());
+        root.set(nullptr, "s2", QStringLiteral("text"))->r("s2")->append(nullptr, "child")->setValue(nullptr, 2);
+    }
+    QCOMPARE(ModuleManager::toXml(&root, indent), referenceXml(&root, indent));
+}
+
+void TestXml::plainAndGeneralFormsReadAlike_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+
+    ModuleObject pallet("pallet");
+    buildPallet(&pallet, 30);
+    pallet.set(nullptr, "desc", QStringLiteral("x<>&\"'\r\ny\t\u4e2d \U0001F600"));
+    pallet.set(nullptr, "bell", QStringLiteral("bell\x07"));
+    pallet.r("row")->append(nullptr, "child")->setValue(nullptr, -0.0);
+    QTest::newRow("writer's indented form") << ModuleManager::toXml(&pallet, true);
+    QTest::newRow("writer's compact form") << ModuleManager::toXml(&pallet, false);
+    QTest::newRow("no declaration, single quotes, attributes swapped")
+        << QByteArray("<node type='null' name='root'>\n <node type='int' name='a'> 12 </node><node name=\"b\" type=\"string\"/>"
+                      "<node name='c'/></node>");
+    QTest::newRow("references in names and text")
+        << QByteArray("<node name=\"&#35;0&lt;&#x4e2d;\" type=\"string\">a&amp;b&#13;&#10;&apos;&quot;&gt;</node>");
+    QTest::newRow("extra attribute and spaces in tags")
+        << QByteArray("<node  name = \"x\"  type = \"double\"  extra=\"1\" >-1.5e-300</node >\n\n");
+    QTest::newRow("empty encoding attribute") << QByteArray("<node name=\"x\" type=\"string\" encoding=\"\">v</node>");
+    QTest::newRow("carriage return line ends") << QByteArray("<node name=\"x\" type=\"string\">a\r\nb\rc</node>");
+    QTest::newRow("tab in an attribute") << QByteArray("<node name=\"a\tb\" type=\"null\"/>");
+    QTest::newRow("value then children")
+        << QByteArray("<node name=\"v\" type=\"int\">\n  7\n  <node name=\"#0\" type=\"bool\">true</node>\n</node>");
+}
+
+void TestXml::plainAndGeneralFormsReadAlike()
+{
+    QFETCH(QByteArray, xml);
+    ModuleObject plain;
+    QString error;
+    QVERIFY2(ModuleManager::fromXml(nullptr, &plain, xml, &error), qPrintable(error));
+    // A comment before the root is outside the writer's form: the general reader reads this one.
+    QByteArray general = xml;
+    const int root = general.indexOf("<node");
+    QVERIFY(root >= 0);
+    general.insert(root, "<!-- read the general way -->");
+    ModuleObject other;
+    QVERIFY2(ModuleManager::fromXml(nullptr, &other, general, &error), qPrintable(error));
+    QVERIFY2(plain.equals(&other), plain.exportToJson(false).left(2000).constData());
+    QVERIFY(!plain.isNull() || !other.isNull() || xml.contains("type=\"null\"/>"));
+}
+
+void TestXml::capHoldsHundredFullPallets()
+{
+    // The largest legitimate file: 100 pallets of 1200 places, in the indented form the module
+    // writes. Pallets differ only in their values, so one more pallet adds the same bytes.
+    ModuleObject one("temp_list");
+    buildFullPallet(one.append(nullptr, QString()), 98);
+    ModuleObject two("temp_list");
+    buildFullPallet(two.append(nullptr, QString()), 98);
+    buildFullPallet(two.append(nullptr, QString()), 99);
+    const qint64 first = ModuleManager::toXml(&one, true).size();
+    const qint64 perPallet = ModuleManager::toXml(&two, true).size() - first;
+    const qint64 hundred = first + 99 * perPallet;
+    qInfo("one full pallet: %lld bytes, 100 full pallets: %lld bytes, cap %lld bytes", perPallet, hundred,
+          ModuleManager::maxXmlBytes());
+    QVERIFY(perPallet > 3 * 1000 * 1000);
+    QVERIFY2(hundred < ModuleManager::maxXmlBytes(), qPrintable(QString::number(hundred)));
+    // The old cap did not even hold twenty.
+    QVERIFY(first + 19 * perPallet > 64 * 1024 * 1024);
+}
+
+void TestXml::documentAtCapAccepted()
+{
+    QByteArray xml("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<node name=\"edge\" type=\"int\">5</node>\n");
+    xml.append(QByteArray(int(ModuleManager::maxXmlBytes()) - xml.size(), ' '));
+    QCOMPARE(qint64(xml.size()), ModuleManager::maxXmlBytes());
+    ModuleObject target;
+    QString error;
+    QVERIFY2(ModuleManager::fromXml(nullptr, &target, xml, &error), qPrintable(error));
+    QCOMPARE(target.getInt(), 5);
+    // One byte more is refused (oversizedFileRejected covers files).
+    xml.append(' ');
+    QVERIFY(!ModuleManager::fromXml(nullptr, &target, xml, &error));
+    QVERIFY(error.contains(QLatin1String("limit")));
 }
 
 QTEST_GUILESS_MAIN(TestXml)

@@ -5,6 +5,7 @@
 #include <orba/moduleobject.h>
 #include <orbat/controllermanager.h>
 #include <orbat/inprocesstransport.h>
+#include <orbat/tcptransport.h>
 #include <orbat/tservice.h>
 #include <tcore/managerhelper.h>
 #include <tcore/settingmanager.h>
@@ -108,4 +109,45 @@ inline quint16 startRcsim(QProcess *process, const QString &dataDir, quint16 por
         QRegularExpression(QStringLiteral("listening on [^:]+:(\\d+)")).match(QString::fromLatin1(out));
     return m.hasMatch() ? quint16(m.captured(1).toUInt()) : 0;
 }
+
+// rcsim on a free loopback port with a data directory of its own, attached to the command service
+// over TCP.
+class RcsimLink
+{
+public:
+    RcsimLink() = default;
+    ~RcsimLink() { stop(); }
+
+    bool start()
+    {
+        m_port = startRcsim(&m_rcsim, m_dir.path());
+        if (m_port == 0)
+            return false;
+        m_transport = std::make_unique<orbat::TcpTransport>(QStringLiteral("127.0.0.1"), m_port);
+        tservice()->setTransport(m_transport.get());
+        m_transport->open();
+        return EmbeddedLink::waitConnected(true, 10000);
+    }
+
+    void stop()
+    {
+        if (m_transport && tservice()->transport() == m_transport.get())
+            tservice()->setTransport(nullptr);
+        m_transport.reset();
+        if (m_rcsim.state() != QProcess::NotRunning) {
+            m_rcsim.kill();
+            m_rcsim.waitForFinished(5000);
+        }
+    }
+
+    orbat::TcpTransport *transport() const { return m_transport.get(); }
+    QString dataDir() const { return m_dir.path(); }
+    quint16 port() const { return m_port; }
+
+private:
+    QTemporaryDir m_dir;
+    QProcess m_rcsim;
+    std::unique_ptr<orbat::TcpTransport> m_transport;
+    quint16 m_port = 0;
+};
 #endif

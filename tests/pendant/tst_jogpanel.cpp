@@ -62,6 +62,12 @@ private slots:
     void refusedWhenPowerOff();
     void holdJogsUntilRelease();
     void pollsWhileVisible();
+    void powerOffMessageLastsAsLongAsThePowerIsOff();
+    void noControllerMessageClearsOnReconnection();
+    void stepIntoWorkspaceEdgeSaysSo();
+    void continuousJogIntoWorkspaceEdgeSaysSo();
+    void describeRefusal_data();
+    void describeRefusal();
 
 private:
     std::unique_ptr<EmbeddedLink> m_link;
@@ -247,6 +253,130 @@ void TestJogPanel::pollsWhileVisible()
     QVERIFY(EmbeddedLink::waitConnected(false));
     panel.show();
     QVERIFY(!panel.isPolling()); // nothing to poll without a controller
+}
+
+namespace {
+
+QString statusOf(const JogPanel &panel)
+{
+    return panel.findChild<QLabel *>(QStringLiteral("lblJogStatus"))->text();
+}
+
+const QString PowerOff = QStringLiteral("The robot is powered off");
+const QString NoController = QStringLiteral("No controller");
+const QString Edge = QStringLiteral("Edge of the workspace: the robot cannot go further this way");
+
+} // namespace
+
+void TestJogPanel::powerOffMessageLastsAsLongAsThePowerIsOff()
+{
+    JogPanel panel;
+    panel.show();
+    QCOMPARE(statusOf(panel), QString());
+    setPower(false);
+    // Said before anyone presses a button, and still after a refused press.
+    QTRY_COMPARE(statusOf(panel), PowerOff);
+    QVERIFY(panel.jogStep(0, 1) < 0);
+    QCOMPARE(statusOf(panel), PowerOff);
+    setPower(true);
+    QTRY_COMPARE(statusOf(panel), QString());
+    QCOMPARE(panel.jogStep(0, 1), 0);
+    QCOMPARE(statusOf(panel), QString());
+}
+
+void TestJogPanel::noControllerMessageClearsOnReconnection()
+{
+    JogPanel panel;
+    panel.show();
+    m_link->transport()->attach(nullptr);
+    QVERIFY(EmbeddedLink::waitConnected(false));
+    QTRY_COMPARE(statusOf(panel), NoController);
+    QVERIFY(panel.jogStep(0, 1) < 0);
+    QCOMPARE(statusOf(panel), NoController);
+
+    m_link->transport()->attach(m_link->controller()->endpoint());
+    m_link->transport()->open();
+    QVERIFY(EmbeddedLink::waitConnected(true));
+    QTRY_COMPARE(statusOf(panel), QString());
+    QCOMPARE(panel.jogStep(0, 1), 0);
+}
+
+void TestJogPanel::stepIntoWorkspaceEdgeSaysSo()
+{
+    JogPanel panel;
+    panel.show();
+    choose(&panel, "cmbJogFrame", QStringLiteral("base"));
+    choose(&panel, "cmbJogStep", 3); // 10 mm
+    int status = 0;
+    int steps = 0;
+    while (status == 0 && steps < 300) {
+        status = panel.jogStep(2, +1);
+        ++steps;
+    }
+    QVERIFY2(status < 0, "the arm never reached the edge of its workspace");
+    QCOMPARE(statusOf(panel), Edge);
+    // Away from the edge, the message goes.
+    QCOMPARE(panel.jogStep(2, -1), 0);
+    QCOMPARE(statusOf(panel), QString());
+}
+
+void TestJogPanel::continuousJogIntoWorkspaceEdgeSaysSo()
+{
+    JogPanel panel;
+    panel.show();
+    choose(&panel, "cmbJogFrame", QStringLiteral("base"));
+    choose(&panel, "cmbJogStep", 3); // 10 mm
+    int steps = 0;
+    while (panel.jogStep(2, +1) == 0 && steps < 300)
+        ++steps;
+    QCOMPARE(panel.jogStep(2, -1), 0);
+    QCOMPARE(statusOf(panel), QString());
+    const JogPanel::Posture before = controllerPosture();
+
+    choose(&panel, "cmbJogStep", 0); // continuous
+    choose(&panel, "cmbJogSpeed", 4); // 100 %
+    auto *plus = panel.findChild<TouchButton *>(QStringLiteral("btnJogPlus2"));
+    QTest::mousePress(plus, Qt::LeftButton);
+    // The controller stops the jog at the edge; the operator, still pressing, is told why.
+    QTRY_COMPARE_WITH_TIMEOUT(statusOf(panel), Edge, 3000);
+    QTest::mouseRelease(plus, Qt::LeftButton);
+    const JogPanel::Posture after = controllerPosture();
+    QVERIFY(after.trans[2] >= before.trans[2]);
+    // At most the 10 mm step back and the 10 mm that were refused before.
+    QVERIFY2(after.trans[2] - before.trans[2] < 0.021, qPrintable(QString::number(after.trans[2] - before.trans[2])));
+    // The message stays until a jog moves again.
+    QTest::qWait(100);
+    QCOMPARE(statusOf(panel), Edge);
+    choose(&panel, "cmbJogStep", 2);
+    QCOMPARE(panel.jogStep(2, -1), 0);
+    QCOMPARE(statusOf(panel), QString());
+}
+
+void TestJogPanel::describeRefusal_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("edge by id") << "unreachable" << "" << Edge;
+    QTest::newRow("edge by message") << "" << "position out of reach" << Edge;
+    QTest::newRow("joint limit") << "" << "joint 3 out of its limits"
+                                 << "Joint limit: the robot cannot go further this way";
+    QTest::newRow("singularity") << "singular" << "wrist singularity (joint 5 near zero)"
+                                 << "Singularity: the robot cannot go further this way";
+    QTest::newRow("configuration jump") << "jump" << "configuration jump of 40.0 deg"
+                                        << "The arm would change its configuration: jog the joints instead";
+    QTest::newRow("power") << "" << "the robot is powered off" << PowerOff;
+    QTest::newRow("moving") << "" << "the robot is moving" << "The robot is moving";
+    QTest::newRow("no link") << "nolink" << "" << NoController;
+    QTest::newRow("other") << "" << "something else" << "Refused: something else";
+}
+
+void TestJogPanel::describeRefusal()
+{
+    QFETCH(QString, id);
+    QFETCH(QString, message);
+    QFETCH(QString, expected);
+    QCOMPARE(JogPanel::describeRefusal(id, message), expected);
 }
 
 QTEST_MAIN(TestJogPanel)

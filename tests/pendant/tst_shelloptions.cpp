@@ -27,6 +27,7 @@ void TestShellOptions::defaults()
     QVERIFY(o.screenshot.isEmpty());
     QVERIFY(o.dataDir.endsWith(QStringLiteral("/controller")));
     QVERIFY(o.settingsFile.endsWith(QStringLiteral("tpendant.ini")));
+    QVERIFY(o.usbDir.isEmpty());
 }
 
 void TestShellOptions::parse_data()
@@ -45,6 +46,9 @@ void TestShellOptions::parse_data()
     QTest::newRow("modules dir") << QStringList{"--modules", "/tmp/m"} << "modules" << "/tmp/m";
     QTest::newRow("page") << QStringList{"--page", "Tray"} << "page" << "Tray";
     QTest::newRow("screenshot") << QStringList{"--screenshot", "a.png"} << "screenshot" << "a.png";
+    QTest::newRow("usb folder") << QStringList{"--usb", "/tmp/stick"} << "usb" << "/tmp/stick";
+    QTest::newRow("usb folder made absolute") << QStringList{"--usb", "stick/"} << "usb"
+                                              << QDir::current().absoluteFilePath("stick");
 }
 
 void TestShellOptions::parse()
@@ -71,6 +75,8 @@ void TestShellOptions::parse()
         actual = o.page;
     else if (field == QLatin1String("screenshot"))
         actual = o.screenshot;
+    else if (field == QLatin1String("usb"))
+        actual = o.usbDir;
     QCOMPARE(actual, expected);
 }
 
@@ -90,6 +96,7 @@ void TestShellOptions::rejects_data()
     QTest::newRow("unknown option") << QStringList{"--frobnicate"} << "frobnicate";
     QTest::newRow("stray argument") << QStringList{"extra"} << "extra";
     QTest::newRow("missing value") << QStringList{"--level"} << "level";
+    QTest::newRow("usb without folder") << QStringList{"--usb", ""} << "--usb";
 }
 
 void TestShellOptions::rejects()
@@ -112,7 +119,7 @@ void TestShellOptions::help()
     QVERIFY(!ShellOptions::parse({QStringLiteral("tpendant"), QStringLiteral("--help")}, QStringLiteral("/bin"), &o,
                                  &error, &help));
     QVERIFY(error.isEmpty());
-    for (const char *option : {"--rc", "--data", "--level", "--lang", "--modules", "--page", "--screenshot"})
+    for (const char *option : {"--rc", "--data", "--level", "--lang", "--modules", "--page", "--screenshot", "--usb"})
         QVERIFY2(help.contains(QLatin1String(option)), option);
 }
 

@@ -3,12 +3,53 @@
 
 #include <kx/kx.h>
 #include <orba/moduleobject.h>
+#include <orbat/tcptransport.h>
 
 #include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QtTest>
+
+namespace {
+
+// Lets queued replies and watched values arrive.
+void settle(int ms = 150)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < ms)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+QString controllerPower()
+{
+    return tservice()->get(nullptr, QStringLiteral("sys.power"))->getString();
+}
+
+QString labelFor(const QString &power)
+{
+    return power == QLatin1String("on") ? QStringLiteral("Power ON") : QStringLiteral("Power OFF");
+}
+
+// One exchange with rcsim on a connection of its own, as another pendant would.
+bool sendToRcsim(quint16 port, const QByteArray &line)
+{
+    QTcpSocket socket;
+    socket.connectToHost(QStringLiteral("127.0.0.1"), port);
+    if (!socket.waitForConnected(3000))
+        return false;
+    socket.write(line + '\n');
+    if (!socket.waitForBytesWritten(3000))
+        return false;
+    QByteArray reply;
+    while (!reply.contains('\n') && socket.waitForReadyRead(3000))
+        reply += socket.readAll();
+    return reply.contains("\"status\":0");
+}
+
+} // namespace
 
 class TestStatusBar : public QObject
 {
@@ -25,6 +66,11 @@ private slots:
     void languageSettingMovesCombo();
     void disconnectedWithoutController();
     void powerSwitch();
+    void powerLabelAfterEveryClick();
+    void powerLabelFollowsOtherClients();
+    void powerLabelAfterReconnection();
+    void parsePower_data();
+    void parsePower();
     void linkLossAndReturn();
 };
 
@@ -132,6 +178,102 @@ void TestStatusBar::powerSwitch()
     QCOMPARE(bar.isPowerOn(), before);
     QCOMPARE(tservice()->get(nullptr, QStringLiteral("sys.power"))->getString(),
              before ? QStringLiteral("on") : QStringLiteral("off"));
+}
+
+void TestStatusBar::powerLabelAfterEveryClick()
+{
+    EmbeddedLink link;
+    QVERIFY2(link.start(), qPrintable(link.error()));
+    StatusBar bar;
+    bar.show();
+    auto *power = bar.findChild<QPushButton *>(QStringLiteral("btnPower"));
+    settle();
+    // From the start state, whatever it is, then on and off again: the label is the controller's.
+    QCOMPARE(power->text(), labelFor(controllerPower()));
+    for (int click = 1; click <= 4; ++click) {
+        QTest::mouseClick(power, Qt::LeftButton);
+        const QString state = controllerPower();
+        QCOMPARE(power->text(), labelFor(state));
+        settle();
+        QVERIFY2(power->text() == labelFor(state),
+                 qPrintable(QStringLiteral("click %1: \"%2\" with the robot %3").arg(click).arg(power->text(), state)));
+        QCOMPARE(power->isChecked(), state == QLatin1String("on"));
+        QCOMPARE(bar.isPowerOn(), state == QLatin1String("on"));
+        QCOMPARE(orba::m(QStringLiteral("tcore.r.power"))->getString(), state);
+    }
+}
+
+void TestStatusBar::powerLabelFollowsOtherClients()
+{
+    EmbeddedLink link;
+    QVERIFY2(link.start(), qPrintable(link.error()));
+    StatusBar bar;
+    auto *power = bar.findChild<QPushButton *>(QStringLiteral("btnPower"));
+    for (const char *state : {"off", "on", "off"}) {
+        orba::ModuleObject param(QStringLiteral("p"));
+        param.setValue(nullptr, QString::fromLatin1(state));
+        QCOMPARE(tservice()->set(nullptr, QStringLiteral("sys.power"), &param), 0);
+        QTRY_COMPARE(power->text(), labelFor(QString::fromLatin1(state)));
+    }
+}
+
+void TestStatusBar::powerLabelAfterReconnection()
+{
+    QTemporaryDir dir;
+    QProcess rcsim;
+    const quint16 port = startRcsim(&rcsim, dir.path());
+    QVERIFY(port != 0);
+    orbat::TcpTransport transport(QStringLiteral("127.0.0.1"), port);
+    tservice()->setTransport(&transport);
+    transport.open();
+    QVERIFY(EmbeddedLink::waitConnected(true));
+    StatusBar bar;
+    auto *power = bar.findChild<QPushButton *>(QStringLiteral("btnPower"));
+    QTRY_COMPARE(power->text(), QStringLiteral("Power ON"));
+
+    // The link goes; meanwhile someone else switches the robot off.
+    transport.close();
+    QVERIFY(EmbeddedLink::waitConnected(false));
+    QTRY_COMPARE(power->text(), QStringLiteral("Power ?"));
+    QVERIFY(!power->isEnabled());
+    QVERIFY(sendToRcsim(port, R"({"id":1,"op":"exec","method":"sim.power","params":false})"));
+
+    transport.open();
+    QVERIFY(EmbeddedLink::waitConnected(true));
+    QTRY_COMPARE(power->text(), QStringLiteral("Power OFF"));
+    QVERIFY(power->isEnabled());
+    QVERIFY(!power->isChecked());
+
+    // And on again while connected, from the other side.
+    QVERIFY(sendToRcsim(port, R"({"id":2,"op":"exec","method":"sim.power","params":true})"));
+    QTRY_COMPARE(power->text(), QStringLiteral("Power ON"));
+
+    tservice()->setTransport(nullptr);
+    transport.close();
+    rcsim.terminate();
+    QVERIFY(rcsim.waitForFinished(5000));
+}
+
+void TestStatusBar::parsePower_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("on") << QVariant(QStringLiteral("on")) << 1;
+    QTest::newRow("off") << QVariant(QStringLiteral("off")) << 0;
+    QTest::newRow("OFF upper case") << QVariant(QStringLiteral("OFF")) << 0;
+    QTest::newRow("true") << QVariant(true) << 1;
+    QTest::newRow("false") << QVariant(false) << 0;
+    QTest::newRow("one") << QVariant(1) << 1;
+    QTest::newRow("zero") << QVariant(0) << 0;
+    QTest::newRow("garbage text") << QVariant(QStringLiteral("maybe")) << -1;
+    QTest::newRow("null") << QVariant() << -1;
+}
+
+void TestStatusBar::parsePower()
+{
+    QFETCH(QVariant, value);
+    QFETCH(int, expected);
+    QCOMPARE(StatusBar::parsePower(value), expected);
 }
 
 void TestStatusBar::linkLossAndReturn()

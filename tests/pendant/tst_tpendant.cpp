@@ -14,6 +14,7 @@ private slots:
     void badOptions_data();
     void badOptions();
     void help();
+    void helpWithoutDisplay();
 };
 
 namespace {
@@ -70,6 +71,7 @@ void TestTpendant::badOptions_data()
     QTest::newRow("bad level") << QStringList{"--level", "9"} << "--level";
     QTest::newRow("bad language") << QStringList{"--lang", "xx"} << "--lang";
     QTest::newRow("bad rc") << QStringList{"--rc", "nohost"} << "--rc";
+    QTest::newRow("bad VNC address") << QStringList{"--vnc-listen", "everywhere"} << "--vnc-listen";
 }
 
 void TestTpendant::badOptions()
@@ -94,6 +96,25 @@ void TestTpendant::help()
     QVERIFY(p.waitForFinished(15000));
     QCOMPARE(p.exitCode(), 0);
     QVERIFY(p.readAllStandardOutput().contains("--screenshot"));
+}
+
+void TestTpendant::helpWithoutDisplay()
+{
+    QTemporaryDir dir;
+    QProcessEnvironment env = environment(dir);
+    for (const char *name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        env.remove(QLatin1String(name));
+    for (const char *flag : {"--help", "-h"}) {
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(TPENDANT_BIN), {QLatin1String(flag)});
+        QVERIFY(p.waitForFinished(15000));
+        QCOMPARE(p.exitStatus(), QProcess::NormalExit);
+        QVERIFY2(p.exitCode() == 0, p.readAllStandardError().constData());
+        const QByteArray out = p.readAllStandardOutput();
+        QVERIFY(out.contains("--screenshot"));
+        QVERIFY(out.contains("--vnc-listen"));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestTpendant)

@@ -1,13 +1,12 @@
 #include "palletfixture.h"
 #include "pendanttestutil.h"
+#include "simcell.h"
 
 #include "dialogs/movetodialog.h"
 #include "module/pointgen.h"
 #include "module/toolset.h"
 #include "pages/palletsetdialog.h"
 
-#include <controller/armsolver.h>
-#include <controller/robotmodel.h>
 #include <kx/kx.h>
 #include <orbat/tcptransport.h>
 #include <tcore/widgets.h>
@@ -35,81 +34,7 @@ constexpr double kPlaceHeight = 0.08;
 constexpr double kApproachHeight = 0.18;
 constexpr double kRetractSide = 0.03;
 
-// The pallet in the cell, in millimetres: tilted a few degrees and skewed (P4 pushed along P1->P3),
-// corners on a 0.01 mm grid so that the pendant's editors show them exactly.
-const Eigen::Vector3d kP1 = Eigen::Vector3d(450.0, -250.0, 100.0) / 1000.0;
-const Eigen::Vector3d kP2 = Eigen::Vector3d(848.0, -215.0, 107.0) / 1000.0;
-const Eigen::Vector3d kP3 = Eigen::Vector3d(420.0, 95.0, 112.0) / 1000.0;
-const Eigen::Vector3d kP4 = Eigen::Vector3d(815.0, 164.5, 120.2) / 1000.0;
-
-struct CellPallet
-{
-    Eigen::Vector3d x, y, n;
-    Eigen::Matrix3d rot;
-
-    CellPallet()
-    {
-        x = (kP2 - kP1).normalized();
-        n = (kP2 - kP1).cross(kP3 - kP1).normalized();
-        y = n.cross(x);
-        rot.col(0) = x;
-        rot.col(1) = y;
-        rot.col(2) = n;
-    }
-    // Tool pointing straight down onto the pallet.
-    Eigen::Isometry3d toolAt(const Eigen::Vector3d &position) const
-    {
-        Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
-        pose.linear() = rot * Eigen::AngleAxisd(M_PI, Eigen::Vector3d::UnitX()).toRotationMatrix();
-        pose.translation() = position;
-        return pose;
-    }
-    Eigen::Vector3d grid(double u, double v) const
-    {
-        return (1 - u) * (1 - v) * kP1 + u * (1 - v) * kP2 + (1 - u) * v * kP3 + u * v * kP4;
-    }
-};
-
-Eigen::Matrix3d euler(double a, double b, double c)
-{
-    return (Eigen::AngleAxisd(c, Eigen::Vector3d::UnitZ()) * Eigen::AngleAxisd(b, Eigen::Vector3d::UnitY())
-            * Eigen::AngleAxisd(a, Eigen::Vector3d::UnitX()))
-        .toRotationMatrix();
-}
-
-Eigen::Vector3d vec(const orba::ModuleObject *node)
-{
-    return Eigen::Vector3d(node->c(0)->getDouble(), node->c(1)->getDouble(), node->c(2)->getDouble());
-}
-
-// A controller simulator over TCP: rcsim on a free loopback port.
-class TcpLink
-{
-public:
-    ~TcpLink()
-    {
-        if (m_transport && tservice()->transport() == m_transport.get())
-            tservice()->setTransport(nullptr);
-        m_transport.reset();
-        m_rcsim.kill();
-        m_rcsim.waitForFinished(5000);
-    }
-    bool start()
-    {
-        const quint16 port = startRcsim(&m_rcsim, m_dir.path());
-        if (port == 0)
-            return false;
-        m_transport = std::make_unique<orbat::TcpTransport>(QStringLiteral("127.0.0.1"), port);
-        tservice()->setTransport(m_transport.get());
-        m_transport->open();
-        return EmbeddedLink::waitConnected(true, 10000);
-    }
-
-private:
-    QTemporaryDir m_dir;
-    QProcess m_rcsim;
-    std::unique_ptr<orbat::TcpTransport> m_transport;
-};
+const SimCellPallet kCell;
 
 } // namespace
 
@@ -159,19 +84,7 @@ void TestPalletCalibration::cleanup()
 // Puts the simulated arm where its tool (the pallet's tool, no reference frame) is at `tcp`.
 bool TestPalletCalibration::putRobotAt(const Eigen::Isometry3d &tcp)
 {
-    rc::Toolset toolset;
-    toolset.end.translation() = Eigen::Vector3d(0.0, 0.0, kToolLength);
-    const rc::ArmSolver solver(rc::RobotModel::defaultArm(), toolset);
-    const rc::SolveResult solution = solver.solveNearest(tcp, m_joints);
-    if (!solution.ok()) {
-        qWarning("no joint solution: %s", qPrintable(solution.message));
-        return false;
-    }
-    m_joints = solution.q;
-    orba::ModuleObject param(QStringLiteral("param"));
-    for (int i = 0; i < 6; ++i)
-        param.set(nullptr, QStringLiteral("joints.#%1").arg(i), m_joints[i]);
-    return tservice()->execCommand(nullptr, QStringLiteral("sim.posture.set"), &param)->getInt(-1) == 0;
+    return putSimRobotAt(tcp, kToolLength, &m_joints);
 }
 
 void TestPalletCalibration::moveThroughDialogTo(orba::ModuleObject *place)
@@ -190,10 +103,10 @@ void TestPalletCalibration::moveThroughDialogTo(orba::ModuleObject *place)
     QTest::mousePress(hold, Qt::LeftButton);
     QCoreApplication::processEvents();
     QVERIFY(dialog->isMoving());
-    const Eigen::Vector3d target = vec(place->r(QStringLiteral("trans")));
+    const Eigen::Vector3d target = vectorOf(place->r(QStringLiteral("trans")));
     auto reached = [&target] {
         orba::MobjPtr posture = tservice()->get(nullptr, QStringLiteral("sys.posture"));
-        return (vec(posture->r(QStringLiteral("trans"))) - target).norm();
+        return (vectorOf(posture->r(QStringLiteral("trans"))) - target).norm();
     };
     QTRY_VERIFY_WITH_TIMEOUT(reached() < 1e-6, 15000);
     QTest::mouseRelease(hold, Qt::LeftButton);
@@ -213,7 +126,7 @@ void TestPalletCalibration::taughtPalletMatchesCell()
 {
     QFETCH(bool, overTcp);
     EmbeddedLink embedded;
-    TcpLink tcp;
+    RcsimLink tcp;
     QVERIFY(overTcp ? tcp.start() : embedded.start());
     orba::ModuleObject on(QStringLiteral("on"));
     on.setValue(nullptr, true);
@@ -239,10 +152,9 @@ void TestPalletCalibration::taughtPalletMatchesCell()
 
     // Calibration: the robot on each corner, then "Accquire".
     QCOMPARE(m_dialog->currentStep(), 2);
-    const CellPallet cell;
-    const Eigen::Vector3d corners[4] = {kP1, kP2, kP3, kP4};
+    const SimCellPallet &cell = kCell;
     for (int i = 0; i < 4; ++i) {
-        QVERIFY(putRobotAt(cell.toolAt(corners[i])));
+        QVERIFY(putRobotAt(cell.toolAt(cell.corner(i))));
         click(QStringLiteral("btnAccquireP%1").arg(i + 1));
     }
     tcore::ManagerHelper::instance()->clearMsgHistory();
@@ -252,11 +164,11 @@ void TestPalletCalibration::taughtPalletMatchesCell()
 
     // Way points over the first place, taught in the pallet frame now active on the controller.
     QCOMPARE(m_dialog->currentStep(), 3);
-    QVERIFY(putRobotAt(cell.toolAt(kP1 + kApproachHeight * cell.n)));
+    QVERIFY(putRobotAt(cell.toolAt(cell.p1 + kApproachHeight * cell.n)));
     click(QStringLiteral("btnAccquireApproach"));
-    QVERIFY(putRobotAt(cell.toolAt(kP1 + kPlaceHeight * cell.n)));
+    QVERIFY(putRobotAt(cell.toolAt(cell.p1 + kPlaceHeight * cell.n)));
     click(QStringLiteral("btnAccquireWobj"));
-    QVERIFY(putRobotAt(cell.toolAt(kP1 + kApproachHeight * cell.n - kRetractSide * cell.y)));
+    QVERIFY(putRobotAt(cell.toolAt(cell.p1 + kApproachHeight * cell.n - kRetractSide * cell.y)));
     click(QStringLiteral("btnAccquireRetract"));
     click(QStringLiteral("btnNext"));
     QCOMPARE(m_dialog->currentStep(), 4);
@@ -269,10 +181,10 @@ void TestPalletCalibration::taughtPalletMatchesCell()
     QCOMPARE(tservice()->execCommandAt(nullptr, QStringLiteral("tray.query.one"), &param), 0);
     orba::ModuleObject *stored = param.c(QStringLiteral("data"));
     orba::ModuleObject *ref = stored->r(QStringLiteral("calibrate.toolset.ref"));
-    const Eigen::Matrix3d frame = euler(ref->r(QStringLiteral("rot.#0"))->getDouble(), ref->r(QStringLiteral("rot.#1"))->getDouble(),
+    const Eigen::Matrix3d frame = eulerRotation(ref->r(QStringLiteral("rot.#0"))->getDouble(), ref->r(QStringLiteral("rot.#1"))->getDouble(),
                                         ref->r(QStringLiteral("rot.#2"))->getDouble());
-    const Eigen::Vector3d origin = vec(ref->r(QStringLiteral("trans")));
-    QVERIFY((origin - kP1).norm() < 1e-9);
+    const Eigen::Vector3d origin = vectorOf(ref->r(QStringLiteral("trans")));
+    QVERIFY((origin - cell.p1).norm() < 1e-9);
     QVERIFY(Eigen::Quaterniond(frame).angularDistance(Eigen::Quaterniond(cell.rot)) < 1e-9);
 
     orba::ModuleObject *points = stored->r(QStringLiteral("points"));
@@ -281,7 +193,7 @@ void TestPalletCalibration::taughtPalletMatchesCell()
     QVector<bool> used(12, false);
     for (int k = 0; k < 12; ++k) {
         orba::ModuleObject *place = points->c(k);
-        const Eigen::Vector3d wobj = frame * vec(place->r(QStringLiteral("wobj.trans"))) + origin;
+        const Eigen::Vector3d wobj = frame * vectorOf(place->r(QStringLiteral("wobj.trans"))) + origin;
         int match = -1;
         double best = 1.0;
         for (int i = 0; i < 3; ++i) {
@@ -297,12 +209,12 @@ void TestPalletCalibration::taughtPalletMatchesCell()
         QVERIFY2(!used[match], qPrintable(QStringLiteral("place %1 repeats another").arg(k)));
         used[match] = true;
         const Eigen::Vector3d onPallet = wobj - kPlaceHeight * cell.n;
-        const Eigen::Vector3d approach = frame * vec(place->r(QStringLiteral("approach.trans"))) + origin;
-        const Eigen::Vector3d retract = frame * vec(place->r(QStringLiteral("retract.trans"))) + origin;
+        const Eigen::Vector3d approach = frame * vectorOf(place->r(QStringLiteral("approach.trans"))) + origin;
+        const Eigen::Vector3d retract = frame * vectorOf(place->r(QStringLiteral("retract.trans"))) + origin;
         QVERIFY((approach - (onPallet + kApproachHeight * cell.n)).norm() < 1e-6);
         QVERIFY((retract - (onPallet + kApproachHeight * cell.n - kRetractSide * cell.y)).norm() < 1e-6);
     }
-    QVERIFY(((frame * vec(points->r(QStringLiteral("#0.wobj.trans"))) + origin) - (kP1 + kPlaceHeight * cell.n)).norm() < 1e-6);
+    QVERIFY(((frame * vectorOf(points->r(QStringLiteral("#0.wobj.trans"))) + origin) - (cell.p1 + kPlaceHeight * cell.n)).norm() < 1e-6);
 
     // The robot, driven by the operator's hold-to-run button, ends on the stored places.
     orba::ModuleObject *working = tpallet::palletsNode()->c(0);

@@ -1,5 +1,6 @@
 #include "palletfixture.h"
 
+#include "dialogs/imexportdialog.h"
 #include "module/tpallet.h"
 #include "pages/newpalletdialog.h"
 #include "pages/palletpage.h"
@@ -70,6 +71,9 @@ private slots:
     void deleteWithNonZeroReplyKeepsBothSides_data();
     void deleteWithNonZeroReplyKeepsBothSides();
     void addOpensNewPalletDialog();
+    void importAndExportOpenTheExchangeDialog_data();
+    void importAndExportOpenTheExchangeDialog();
+    void acceptedImportRebuildsTable();
     void editOpensDialogForSelectedPallet();
     void pageStaysUsableAfterFailedLoad();
     void textsFollowHostLanguage_data();
@@ -426,6 +430,46 @@ void TstPalletPage::addOpensNewPalletDialog()
     QVERIFY(dialog->isVisible());
     QVERIFY(!dialog->isModal());
     delete dialog;
+}
+
+void TstPalletPage::importAndExportOpenTheExchangeDialog_data()
+{
+    QTest::addColumn<QString>("buttonName");
+    QTest::addColumn<bool>("import");
+    QTest::newRow("import") << "btnImport" << true;
+    QTest::newRow("export") << "btnExport" << false;
+}
+
+void TstPalletPage::importAndExportOpenTheExchangeDialog()
+{
+    QFETCH(QString, buttonName);
+    QFETCH(bool, import);
+    m_fx.connectController();
+    PalletFixture::addLocalPallet(QStringLiteral("a"), 1, 1);
+    QTest::mouseClick(button(buttonName), Qt::LeftButton);
+    QPointer<ImExportDialog> dialog = qobject_cast<ImExportDialog *>(kx::uniqueObject(QStringLiteral("tpallet.dialog")));
+    QVERIFY(dialog);
+    QVERIFY(dialog->isVisible());
+    QVERIFY(!dialog->isModal());
+    QCOMPARE(dialog->isImport(), import);
+    QCOMPARE(dialog->findChild<QTableWidget *>(QStringLiteral("tableWidget"))->rowCount(), import ? 0 : 1);
+    delete dialog.data();
+}
+
+void TstPalletPage::acceptedImportRebuildsTable()
+{
+    m_fx.connectController();
+    QTest::mouseClick(button(QStringLiteral("btnImport")), Qt::LeftButton);
+    QPointer<ImExportDialog> dialog = qobject_cast<ImExportDialog *>(kx::uniqueObject(QStringLiteral("tpallet.dialog")));
+    QVERIFY(dialog);
+    // A pallet arrives without a refresh of its own; accepting the import rebuilds the table.
+    PalletFixture::addLocalPallet(QStringLiteral("imported"), 2, 2);
+    QCOMPARE(table()->rowCount(), 0);
+    dialog->accept();
+    QCOMPARE(table()->rowCount(), 1);
+    QCOMPARE(table()->item(0, 0)->text(), QStringLiteral("imported"));
+    PalletFixture::flushDeletes();
+    QVERIFY(!dialog);
 }
 
 void TstPalletPage::editOpensDialogForSelectedPallet()

@@ -84,12 +84,17 @@ MoveToDialog::MoveToDialog(orba::ModuleObject *motion, orba::ModuleObject *point
     tpallet::makeUniqueMoveDialog(this);
     tpallet::bindDialogToNode(this, point);
 
-    // The dialog's own rules win over those of the pages it opens from: a readable title and
-    // touch-sized radio indicators. Set before the form is built, so that its widgets are
-    // polished with them.
+    // The dialog's own rules win over those of the pages it opens from: the dark look of the
+    // module's dialogs whatever it is opened from, and touch-sized radio indicators. Set before
+    // the form is built, so that its widgets are polished with them.
     setStyleSheet(QStringLiteral(
-        "#lblTitle { color: palette(window-text); }"
-        "QRadioButton::indicator { width: 26px; height: 26px; }"
+        "QDialog#MoveToDialog { background: #262b32; }"
+        "QLabel, QRadioButton { color: #e6e9ee; }"
+        "#lblTitle { color: #ffffff; }"
+        "QRadioButton::indicator { width: 26px; height: 26px; border: 2px solid #8a929c; border-radius: 15px;"
+        " background: #262b32; }"
+        "QRadioButton::indicator:checked { border-color: #2f80ed; background: qradialgradient(cx:0.5, cy:0.5,"
+        " radius:0.5, fx:0.5, fy:0.5, stop:0 #2f80ed, stop:0.5 #2f80ed, stop:0.58 #262b32, stop:1 #262b32); }"
         "#lblHeadCurrent, #lblHeadTarget, #lblHeadOffset { font-weight: bold; }"));
     m_ui->setupUi(this);
     for (QComboBox *combo : {m_ui->cmbMoveType, m_ui->cmbSpeed})

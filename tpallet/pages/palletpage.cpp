@@ -1,6 +1,7 @@
 #include "palletpage.h"
 #include "ui_palletpage.h"
 
+#include "dialogs/imexportdialog.h"
 #include "module/modulelog.h"
 #include "module/registration.h"
 #include "module/tpallet.h"
@@ -31,6 +32,9 @@ const tpallet::Registration s_version(
     [] { orba::versionManager()->unregist(mName(QStringLiteral("tpallet"), QStringLiteral("pallet.page"))); });
 
 constexpr int kHeaderMinHeight = 36;
+// Rows are touch targets: a finger must hit one row, not its neighbour.
+constexpr int kRowHeight = 44;
+constexpr int kRowMinHeight = 36;
 
 QIcon whiteIcon(const char *resource)
 {
@@ -79,6 +83,8 @@ PalletPage::PalletPage(QWidget *parentWidget, TPallet *module)
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->horizontalHeader()->setMinimumHeight(qMax(kHeaderMinHeight, tcore::ThemeManager::getSize(kHeaderMinHeight)));
+    table->verticalHeader()->setMinimumSectionSize(qMax(kRowMinHeight, tcore::ThemeManager::getSize(kRowMinHeight)));
+    table->verticalHeader()->setDefaultSectionSize(qMax(kRowHeight, tcore::ThemeManager::getSize(kRowHeight)));
 
     m_ui->btnImport->setIcon(whiteIcon(":/tormo/images/project/import.png"));
     m_ui->btnExport->setIcon(whiteIcon(":/tormo/images/project/export.png"));
@@ -223,7 +229,7 @@ void PalletPage::loadPerPallet()
     const int n = list->c(QStringLiteral("data"), false)->size();
 
     // The dialog is a child of the page's widget, which the host may destroy independently.
-    if (m_widget) {
+    if (m_widget && m_progress) {
         m_progress->reset();
         m_progress->show();
     }
@@ -253,7 +259,7 @@ void PalletPage::loadPerPallet()
     if (!self)
         return;
     // reset() also stops the dialog's own delayed show, which a fast load would leave pending.
-    if (m_widget) {
+    if (m_widget && m_progress) {
         m_progress->reset();
         m_progress->hide();
     }
@@ -269,7 +275,7 @@ void PalletPage::setProgress(int value)
 {
     QPointer<PalletPage> self(this);
     // A window-modal progress dialog processes events while its value is set.
-    if (m_widget)
+    if (m_widget && m_progress)
         m_progress->setValue(value);
     if (self)
         emit loadProgress(value);
@@ -317,12 +323,15 @@ orba::ModuleObject *PalletPage::selectedPallet()
 
 void PalletPage::importPallet()
 {
-    tpallet::logInfo(QStringLiteral("import of pallets is not available in this build"));
+    auto *dialog = new ImExportDialog(true, pallets(), m_widget);
+    connect(dialog, &QDialog::accepted, this, &PalletPage::refreshTable);
+    dialog->show();
 }
 
 void PalletPage::exportPallet()
 {
-    tpallet::logInfo(QStringLiteral("export of pallets is not available in this build"));
+    auto *dialog = new ImExportDialog(false, pallets(), m_widget);
+    dialog->show();
 }
 
 void PalletPage::addPallet()
@@ -385,5 +394,6 @@ bool PalletPage::eventFilter(QObject *watched, QEvent *event)
 void PalletPage::retranslate()
 {
     m_ui->retranslateUi(m_widget);
-    m_progress->setLabelText(tr("Acquiring pallet data..."));
+    if (m_progress)
+        m_progress->setLabelText(tr("Acquiring pallet data..."));
 }

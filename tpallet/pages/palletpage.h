@@ -68,7 +68,8 @@ private:
     TPallet *m_module;
     QPointer<orba::ModuleObject> m_pallets;
     QPointer<QWidget> m_widget;
-    QProgressDialog *m_progress;
+    // A child of the page's widget, which the host may destroy on its own.
+    QPointer<QProgressDialog> m_progress;
     bool m_initialised = false;
     bool m_loading = false;
     bool m_reloadPending = false;

@@ -116,6 +116,16 @@ public:
     // node's own name is kept. Copying from the empty node clears this one.
     void copyFrom(QObject *sender, const ModuleObject *source, bool notify = true, bool keepName = false);
 
+    // Lay source over this node, source winning: a value source holds replaces this node's (a
+    // source node without a value leaves it), a child both have is overlaid in turn, and a child
+    // only source has is added as a deep copy after this node's own children, in source's order.
+    // Arrays are values as a whole: when source is an array its elements replace this node's
+    // children (merged by position, a shorter array would keep stale elements). Otherwise nothing
+    // of this node is removed or reordered, and its name is kept. Overlaying the empty node or a
+    // null node changes nothing. So a layout with defaults, overlaid with a record, holds every
+    // key of the layout, in the layout's order, with the record's values.
+    void overlayFrom(QObject *sender, const ModuleObject *source, bool notify = true);
+
     // Fill from a variant: a QVariantMap gives named children (in key order), a QVariantList
     // "#i" children, anything else the value. Existing children are replaced.
     void importFromVariant(QObject *sender, const QVariant &v, bool notify = true, bool replace = true,

@@ -193,6 +193,31 @@ ModuleObject *ModuleObjectPrivate::clone(const ModuleObject *source)
     return copy;
 }
 
+void ModuleObjectPrivate::overlay(QObject *sender, ModuleObject *target, ModuleObject *source, bool notify)
+{
+    const bool replaceChildren = source->isArray();
+    if (replaceChildren)
+        target->clear(sender, notify, false);
+    const QVector<ModuleObject *> children = std::exchange(source->m_children, {});
+    source->m_byName.clear();
+    source->m_byNameValid = false;
+    for (ModuleObject *child : children) {
+        child->m_parent = nullptr;
+        child->m_index = -1;
+        ModuleObject *mine = replaceChildren ? nullptr : find(target, QStringView(child->m_name));
+        if (mine) {
+            overlay(sender, mine, child, notify);
+            delete child;
+            continue;
+        }
+        target->attach(target->m_children.size(), child);
+        if (notify)
+            emit target->childInserted(child, child->m_index, sender);
+    }
+    if (source->m_value.isValid())
+        target->setValue(sender, source->m_value, notify);
+}
+
 void ModuleObjectPrivate::fillFromVariant(ModuleObject *node, const QVariant &v)
 {
     const int type = v.userType();
@@ -599,6 +624,15 @@ void ModuleObject::copyFrom(QObject *sender, const ModuleObject *source, bool no
     if (keepName && !source->m_isEmptySentinel)
         setName(source->m_name);
     ModuleObjectPrivate::moveInto(sender, this, copy.get(), notify);
+}
+
+void ModuleObject::overlayFrom(QObject *sender, const ModuleObject *source, bool notify)
+{
+    if (m_isEmptySentinel || !source || source->isNull() || source == this)
+        return;
+    // Copy first: source may live inside this node's subtree.
+    std::unique_ptr<ModuleObject> copy(ModuleObjectPrivate::clone(source));
+    ModuleObjectPrivate::overlay(sender, this, copy.get(), notify);
 }
 
 void ModuleObject::importFromVariant(QObject *sender, const QVariant &v, bool notify, bool replace, bool keepValue)

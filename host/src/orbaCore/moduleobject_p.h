@@ -19,6 +19,9 @@ public:
     static void moveInto(QObject *sender, ModuleObject *target, ModuleObject *source, bool notify = true);
     static ModuleObject *find(const ModuleObject *node, QStringView name);
     static ModuleObject *clone(const ModuleObject *source);
+    // Overlays source (a free-standing tree that is consumed: its children move or are deleted)
+    // onto target; see ModuleObject::overlayFrom.
+    static void overlay(QObject *sender, ModuleObject *target, ModuleObject *source, bool notify);
     static void fillFromVariant(ModuleObject *node, const QVariant &v);
     static void mergeVariant(QObject *sender, ModuleObject *node, const QVariant &v, bool notify, bool keepValue);
     // Canonical value types: invalid, int, qint64, double, bool, QString (others kept as given).

@@ -38,7 +38,7 @@ public:
         connectGuard.stop();
         up = true;
         backoffMs = kFirstBackoffMs;
-        lastRx.start();
+        probe.invalidate();
         lastTx.start();
         ping.start(pingMs);
         postAnnounce(true);
@@ -68,19 +68,48 @@ public:
             onUnconnected();
     }
 
+    // Something that the peer must answer went out (a ping or a request).
+    void noteProbe()
+    {
+        if (!probe.isValid())
+            probe.start();
+    }
+
+    bool probeOverdue() const { return probe.isValid() && probe.elapsed() > 3 * qint64(pingMs); }
+
+    // Liveness: the peer is dead when a ping or request has gone unanswered (nothing at all
+    // received since it was sent) for 3 ping intervals. Silence alone is no evidence: while the
+    // thread is busy (a long loop, synchronous commands) no ping goes out and the peer has nothing
+    // to answer, and what it did answer may still sit unread in the socket.
     void onPing()
     {
         if (!linkUp())
             return;
-        if (lastRx.elapsed() > 3 * qint64(pingMs)) {
-            drop();
-            return;
+        if (probeOverdue()) {
+            pullPending();
+            if (!linkUp())
+                return;
+            if (probeOverdue()) {
+                drop();
+                return;
+            }
         }
         if (lastTx.elapsed() >= pingMs) {
             QByteArray line = "{\"id\":" + QByteArray::number(--pingId) + ",\"op\":\"ping\",\"method\":\"ping\"}\n";
             socket->write(line);
             lastTx.start();
+            noteProbe();
         }
+    }
+
+    // Reads what has arrived without waiting: the socket's buffer is filled from the event loop,
+    // which a busy thread has not run.
+    void pullPending()
+    {
+        if (socket->bytesAvailable() <= 0)
+            socket->waitForReadyRead(0);
+        if (linkUp())
+            readIncoming();
     }
 
     void postAnnounce(bool isUp)
@@ -110,7 +139,7 @@ public:
         const qint64 available = socket->bytesAvailable();
         if (available <= 0)
             return true;
-        lastRx.start();
+        probe.invalidate();
         rx.append(socket->readAll());
         int start = 0;
         for (;;) {
@@ -164,7 +193,8 @@ public:
     QTimer reconnect;
     QTimer connectGuard;
     QTimer ping;
-    QElapsedTimer lastRx;
+    // Since the oldest ping or request sent after the last received byte; invalid when none.
+    QElapsedTimer probe;
     QElapsedTimer lastTx;
     QByteArray rx;
     int scanFrom = 0;
@@ -269,6 +299,7 @@ std::optional<QByteArray> TcpTransport::request(qint64 id, const QByteArray &lin
         return std::nullopt;
     }
     d->lastTx.start();
+    d->noteProbe();
 
     while (!d->reply) {
         // waitForBytesWritten() may already have pulled the reply into the socket's buffer.

@@ -727,4 +727,238 @@
         <translation>切换到托盘工件坐标系失败</translation>
     </message>
 </context>
+<context>
+    <name>PointAdjustWizard</name>
+    <message>
+        <source>Work Object Index</source>
+        <translation>工件序号</translation>
+    </message>
+    <message>
+        <source>Approach Point</source>
+        <translation>接近点</translation>
+    </message>
+    <message>
+        <source>Wobj Point</source>
+        <translation>放置点</translation>
+    </message>
+    <message>
+        <source>Retract Point</source>
+        <translation>离开点</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>重置</translation>
+    </message>
+    <message>
+        <source>Check Access</source>
+        <translation>可达性检查</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>获取</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>移动到</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>调整</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>已切换到托盘工件坐标系</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>切换到托盘工件坐标系失败</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Approach Point %1?</source>
+        <translation>确定要调整第%1个工件的接近点吗？</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Wobj Point %1?</source>
+        <translation>确定要调整第%1个工件的放置点吗？</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Retract Point %1?</source>
+        <translation>确定要调整第%1个工件的离开点吗？</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Point %1?</source>
+        <translation>确定要调整第%1个工件的位置吗？</translation>
+    </message>
+    <message>
+        <source>Checking...</source>
+        <translation>正在检查...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P5 to P6</source>
+        <translation>工件 %1 : P5 到 P6</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P6 to P7</source>
+        <translation>工件 %1 : P6 到 P7</translation>
+    </message>
+    <message>
+        <source>The path below can not be reached:
+%1</source>
+        <translation>以下路径无法到达：
+%1</translation>
+    </message>
+    <message>
+        <source>Check is passed!</source>
+        <translation>检查通过！</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWizard</name>
+    <message>
+        <source>Form</source>
+        <translation>窗体</translation>
+    </message>
+</context>
+<context>
+    <name>tFileDialog</name>
+    <message>
+        <source>Dialog</source>
+        <translation>对话框</translation>
+    </message>
+    <message>
+        <source>FileName:</source>
+        <translation>文件名：</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>please insert the USB disk</source>
+        <translation>请插入U盘</translation>
+    </message>
+</context>
+<context>
+    <name>ImExportDialog</name>
+    <message>
+        <source>Import/Export</source>
+        <translation>导入/导出</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>选择文件</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>打开</translation>
+    </message>
+    <message>
+        <source>Import Options</source>
+        <translation>导入选项</translation>
+    </message>
+    <message>
+        <source>If have duplicate elements in the imported content, choose one of the following.The new element is renamed by default,you can also choose to override existing elements or not import new elements.</source>
+        <translation>如果导入的内容中有重复的元素，请选择以下方式之一。默认重命名新元素，也可以选择覆盖已有元素或不导入新元素。</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>重命名</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>覆盖</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>不导入</translation>
+    </message>
+    <message>
+        <source>Select Items</source>
+        <translation>选择项目</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>全选</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>描述</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Open XML file</source>
+        <translation>打开XML文件</translation>
+    </message>
+    <message>
+        <source>XML (*.xml)</source>
+        <translation>XML (*.xml)</translation>
+    </message>
+    <message>
+        <source>Save XML file</source>
+        <translation>保存XML文件</translation>
+    </message>
+    <message>
+        <source>The file %1 is too large (%2 MB); a pallet file has at most %3 MB.</source>
+        <translation>文件 %1 太大（%2 MB）；托盘文件最大为 %3 MB。</translation>
+    </message>
+    <message>
+        <source>The file %1 cannot be read as a pallet file:
+%2</source>
+        <translation>无法将文件 %1 作为托盘文件读取：
+%2</translation>
+    </message>
+    <message>
+        <source>The file %1 does not hold a list of pallets.</source>
+        <translation>文件 %1 中没有托盘列表。</translation>
+    </message>
+    <message>
+        <source>The pallet %1 in the file %2 has a missing or wrong value at "%3". Nothing is imported from this file.</source>
+        <translation>文件 %2 中的托盘 %1 在“%3”处缺少值或值错误。不会从此文件导入任何内容。</translation>
+    </message>
+    <message>
+        <source>The pallet name %1 is used twice in the file %2. Nothing is imported from this file.</source>
+        <translation>托盘名称 %1 在文件 %2 中出现了两次。不会从此文件导入任何内容。</translation>
+    </message>
+    <message>
+        <source>Import success!</source>
+        <translation>导入成功！</translation>
+    </message>
+    <message>
+        <source>Export path can not be empty!</source>
+        <translation>导出路径不能为空！</translation>
+    </message>
+    <message>
+        <source>The pallets could not be written to %1:
+%2</source>
+        <translation>无法将托盘写入 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>Export success to %1!</source>
+        <translation>成功导出到 %1！</translation>
+    </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>托盘 %1 未保存到控制器，下次重新加载时将丢失！</translation>
+    </message>
+</context>
 </TS>

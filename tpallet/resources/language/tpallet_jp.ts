@@ -727,4 +727,238 @@
         <translation>パレットのワーク座標系への切り替えに失敗しました</translation>
     </message>
 </context>
+<context>
+    <name>PointAdjustWizard</name>
+    <message>
+        <source>Work Object Index</source>
+        <translation>ワーク番号</translation>
+    </message>
+    <message>
+        <source>Approach Point</source>
+        <translation>接近点</translation>
+    </message>
+    <message>
+        <source>Wobj Point</source>
+        <translation>配置点</translation>
+    </message>
+    <message>
+        <source>Retract Point</source>
+        <translation>退避点</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>リセット</translation>
+    </message>
+    <message>
+        <source>Check Access</source>
+        <translation>到達性チェック</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>取得</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>移動</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>調整</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>パレットのワーク座標系に切り替えました</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>パレットのワーク座標系への切り替えに失敗しました</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Approach Point %1?</source>
+        <translation>%1 番の接近点を調整しますか？</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Wobj Point %1?</source>
+        <translation>%1 番の配置点を調整しますか？</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Retract Point %1?</source>
+        <translation>%1 番の退避点を調整しますか？</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Point %1?</source>
+        <translation>%1 番の位置を調整しますか？</translation>
+    </message>
+    <message>
+        <source>Checking...</source>
+        <translation>チェック中...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P5 to P6</source>
+        <translation>ワーク %1 : P5 から P6</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P6 to P7</source>
+        <translation>ワーク %1 : P6 から P7</translation>
+    </message>
+    <message>
+        <source>The path below can not be reached:
+%1</source>
+        <translation>次の経路には到達できません：
+%1</translation>
+    </message>
+    <message>
+        <source>Check is passed!</source>
+        <translation>チェックに合格しました！</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWizard</name>
+    <message>
+        <source>Form</source>
+        <translation>フォーム</translation>
+    </message>
+</context>
+<context>
+    <name>tFileDialog</name>
+    <message>
+        <source>Dialog</source>
+        <translation>ダイアログ</translation>
+    </message>
+    <message>
+        <source>FileName:</source>
+        <translation>ファイル名：</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>please insert the USB disk</source>
+        <translation>USBメモリを挿入してください</translation>
+    </message>
+</context>
+<context>
+    <name>ImExportDialog</name>
+    <message>
+        <source>Import/Export</source>
+        <translation>インポート/エクスポート</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>ファイルを選択</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>開く</translation>
+    </message>
+    <message>
+        <source>Import Options</source>
+        <translation>インポートオプション</translation>
+    </message>
+    <message>
+        <source>If have duplicate elements in the imported content, choose one of the following.The new element is renamed by default,you can also choose to override existing elements or not import new elements.</source>
+        <translation>インポートする内容に重複する要素がある場合は、次のいずれかを選択してください。既定では新しい要素の名前を変更します。既存の要素を上書きするか、新しい要素をインポートしないこともできます。</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>名前を変更</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>上書き</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>破棄</translation>
+    </message>
+    <message>
+        <source>Select Items</source>
+        <translation>項目を選択</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>すべて選択</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>説明</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Open XML file</source>
+        <translation>XMLファイルを開く</translation>
+    </message>
+    <message>
+        <source>XML (*.xml)</source>
+        <translation>XML (*.xml)</translation>
+    </message>
+    <message>
+        <source>Save XML file</source>
+        <translation>XMLファイルを保存</translation>
+    </message>
+    <message>
+        <source>The file %1 is too large (%2 MB); a pallet file has at most %3 MB.</source>
+        <translation>ファイル %1 は大きすぎます（%2 MB）。パレットファイルは最大 %3 MB です。</translation>
+    </message>
+    <message>
+        <source>The file %1 cannot be read as a pallet file:
+%2</source>
+        <translation>ファイル %1 をパレットファイルとして読み込めません：
+%2</translation>
+    </message>
+    <message>
+        <source>The file %1 does not hold a list of pallets.</source>
+        <translation>ファイル %1 にはパレットの一覧がありません。</translation>
+    </message>
+    <message>
+        <source>The pallet %1 in the file %2 has a missing or wrong value at "%3". Nothing is imported from this file.</source>
+        <translation>ファイル %2 のパレット %1 は「%3」の値がないか誤っています。このファイルからは何もインポートされません。</translation>
+    </message>
+    <message>
+        <source>The pallet name %1 is used twice in the file %2. Nothing is imported from this file.</source>
+        <translation>パレット名 %1 がファイル %2 で2回使われています。このファイルからは何もインポートされません。</translation>
+    </message>
+    <message>
+        <source>Import success!</source>
+        <translation>インポートに成功しました！</translation>
+    </message>
+    <message>
+        <source>Export path can not be empty!</source>
+        <translation>エクスポート先を空にすることはできません！</translation>
+    </message>
+    <message>
+        <source>The pallets could not be written to %1:
+%2</source>
+        <translation>パレットを %1 に書き込めませんでした：
+%2</translation>
+    </message>
+    <message>
+        <source>Export success to %1!</source>
+        <translation>%1 へのエクスポートに成功しました！</translation>
+    </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>パレット %1 はコントローラに保存されていません。次の再読み込みで失われます！</translation>
+    </message>
+</context>
 </TS>

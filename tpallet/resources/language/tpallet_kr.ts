@@ -727,4 +727,238 @@
         <translation>팔레트 공작물 좌표계로 전환하지 못했습니다</translation>
     </message>
 </context>
+<context>
+    <name>PointAdjustWizard</name>
+    <message>
+        <source>Work Object Index</source>
+        <translation>공작물 번호</translation>
+    </message>
+    <message>
+        <source>Approach Point</source>
+        <translation>접근점</translation>
+    </message>
+    <message>
+        <source>Wobj Point</source>
+        <translation>배치점</translation>
+    </message>
+    <message>
+        <source>Retract Point</source>
+        <translation>후퇴점</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>초기화</translation>
+    </message>
+    <message>
+        <source>Check Access</source>
+        <translation>도달성 점검</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>획득</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>이동</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>조정</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>팔레트 공작물 좌표계로 전환했습니다</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>팔레트 공작물 좌표계로 전환하지 못했습니다</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Approach Point %1?</source>
+        <translation>%1번 접근점을 조정하시겠습니까?</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Wobj Point %1?</source>
+        <translation>%1번 배치점을 조정하시겠습니까?</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Retract Point %1?</source>
+        <translation>%1번 후퇴점을 조정하시겠습니까?</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Point %1?</source>
+        <translation>%1번 위치를 조정하시겠습니까?</translation>
+    </message>
+    <message>
+        <source>Checking...</source>
+        <translation>점검 중...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P5 to P6</source>
+        <translation>공작물 %1 : P5에서 P6</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P6 to P7</source>
+        <translation>공작물 %1 : P6에서 P7</translation>
+    </message>
+    <message>
+        <source>The path below can not be reached:
+%1</source>
+        <translation>다음 경로에 도달할 수 없습니다:
+%1</translation>
+    </message>
+    <message>
+        <source>Check is passed!</source>
+        <translation>점검을 통과했습니다!</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWizard</name>
+    <message>
+        <source>Form</source>
+        <translation>폼</translation>
+    </message>
+</context>
+<context>
+    <name>tFileDialog</name>
+    <message>
+        <source>Dialog</source>
+        <translation>대화 상자</translation>
+    </message>
+    <message>
+        <source>FileName:</source>
+        <translation>파일 이름:</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>확인</translation>
+    </message>
+    <message>
+        <source>please insert the USB disk</source>
+        <translation>USB 디스크를 삽입하십시오</translation>
+    </message>
+</context>
+<context>
+    <name>ImExportDialog</name>
+    <message>
+        <source>Import/Export</source>
+        <translation>가져오기/내보내기</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>파일 선택</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>열기</translation>
+    </message>
+    <message>
+        <source>Import Options</source>
+        <translation>가져오기 옵션</translation>
+    </message>
+    <message>
+        <source>If have duplicate elements in the imported content, choose one of the following.The new element is renamed by default,you can also choose to override existing elements or not import new elements.</source>
+        <translation>가져온 내용에 중복된 요소가 있으면 다음 중 하나를 선택하십시오. 기본적으로 새 요소의 이름을 변경하며, 기존 요소를 덮어쓰거나 새 요소를 가져오지 않도록 선택할 수도 있습니다.</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>이름 바꾸기</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>덮어쓰기</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>버리기</translation>
+    </message>
+    <message>
+        <source>Select Items</source>
+        <translation>항목 선택</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>모두 선택</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>이름</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>설명</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>확인</translation>
+    </message>
+    <message>
+        <source>Open XML file</source>
+        <translation>XML 파일 열기</translation>
+    </message>
+    <message>
+        <source>XML (*.xml)</source>
+        <translation>XML (*.xml)</translation>
+    </message>
+    <message>
+        <source>Save XML file</source>
+        <translation>XML 파일 저장</translation>
+    </message>
+    <message>
+        <source>The file %1 is too large (%2 MB); a pallet file has at most %3 MB.</source>
+        <translation>파일 %1이(가) 너무 큽니다(%2 MB). 팔레트 파일은 최대 %3 MB입니다.</translation>
+    </message>
+    <message>
+        <source>The file %1 cannot be read as a pallet file:
+%2</source>
+        <translation>파일 %1을(를) 팔레트 파일로 읽을 수 없습니다:
+%2</translation>
+    </message>
+    <message>
+        <source>The file %1 does not hold a list of pallets.</source>
+        <translation>파일 %1에 팔레트 목록이 없습니다.</translation>
+    </message>
+    <message>
+        <source>The pallet %1 in the file %2 has a missing or wrong value at "%3". Nothing is imported from this file.</source>
+        <translation>파일 %2의 팔레트 %1에서 "%3" 값이 없거나 잘못되었습니다. 이 파일에서는 아무것도 가져오지 않습니다.</translation>
+    </message>
+    <message>
+        <source>The pallet name %1 is used twice in the file %2. Nothing is imported from this file.</source>
+        <translation>팔레트 이름 %1이(가) 파일 %2에서 두 번 사용되었습니다. 이 파일에서는 아무것도 가져오지 않습니다.</translation>
+    </message>
+    <message>
+        <source>Import success!</source>
+        <translation>가져오기 성공!</translation>
+    </message>
+    <message>
+        <source>Export path can not be empty!</source>
+        <translation>내보내기 경로는 비워 둘 수 없습니다!</translation>
+    </message>
+    <message>
+        <source>The pallets could not be written to %1:
+%2</source>
+        <translation>팔레트를 %1에 쓸 수 없습니다:
+%2</translation>
+    </message>
+    <message>
+        <source>Export success to %1!</source>
+        <translation>%1(으)로 내보내기 성공!</translation>
+    </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>팔레트 %1이(가) 컨트롤러에 저장되지 않았습니다. 다음 다시 불러오기 때 사라집니다!</translation>
+    </message>
+</context>
 </TS>

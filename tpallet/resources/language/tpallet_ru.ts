@@ -727,4 +727,238 @@
         <translation>Не удалось переключиться на систему координат паллеты</translation>
     </message>
 </context>
+<context>
+    <name>PointAdjustWizard</name>
+    <message>
+        <source>Work Object Index</source>
+        <translation>Номер места</translation>
+    </message>
+    <message>
+        <source>Approach Point</source>
+        <translation>Точка подхода</translation>
+    </message>
+    <message>
+        <source>Wobj Point</source>
+        <translation>Точка укладки</translation>
+    </message>
+    <message>
+        <source>Retract Point</source>
+        <translation>Точка отхода</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Сбросить</translation>
+    </message>
+    <message>
+        <source>Check Access</source>
+        <translation>Проверить досягаемость</translation>
+    </message>
+    <message>
+        <source>Accquire</source>
+        <translation>Считать</translation>
+    </message>
+    <message>
+        <source>Move To</source>
+        <translation>Перейти</translation>
+    </message>
+    <message>
+        <source>Adjust</source>
+        <translation>Изменить</translation>
+    </message>
+    <message>
+        <source>Swithed to pallet wobj</source>
+        <translation>Переключено на систему координат паллеты</translation>
+    </message>
+    <message>
+        <source>swith to pallet wobj failed</source>
+        <translation>Не удалось переключиться на систему координат паллеты</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Approach Point %1?</source>
+        <translation>Изменить точку подхода места %1?</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Wobj Point %1?</source>
+        <translation>Изменить точку укладки места %1?</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Retract Point %1?</source>
+        <translation>Изменить точку отхода места %1?</translation>
+    </message>
+    <message>
+        <source>Are you sure to adjust Point %1?</source>
+        <translation>Изменить положение места %1?</translation>
+    </message>
+    <message>
+        <source>Checking...</source>
+        <translation>Проверка...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P5 to P6</source>
+        <translation>Место %1 : от P5 к P6</translation>
+    </message>
+    <message>
+        <source>Wobj %1 : P6 to P7</source>
+        <translation>Место %1 : от P6 к P7</translation>
+    </message>
+    <message>
+        <source>The path below can not be reached:
+%1</source>
+        <translation>Следующие пути недостижимы:
+%1</translation>
+    </message>
+    <message>
+        <source>Check is passed!</source>
+        <translation>Проверка пройдена!</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWizard</name>
+    <message>
+        <source>Form</source>
+        <translation>Форма</translation>
+    </message>
+</context>
+<context>
+    <name>tFileDialog</name>
+    <message>
+        <source>Dialog</source>
+        <translation>Диалог</translation>
+    </message>
+    <message>
+        <source>FileName:</source>
+        <translation>Имя файла:</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>ОК</translation>
+    </message>
+    <message>
+        <source>please insert the USB disk</source>
+        <translation>Вставьте USB-накопитель</translation>
+    </message>
+</context>
+<context>
+    <name>ImExportDialog</name>
+    <message>
+        <source>Import/Export</source>
+        <translation>Импорт/экспорт</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Выбор файла</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Открыть</translation>
+    </message>
+    <message>
+        <source>Import Options</source>
+        <translation>Параметры импорта</translation>
+    </message>
+    <message>
+        <source>If have duplicate elements in the imported content, choose one of the following.The new element is renamed by default,you can also choose to override existing elements or not import new elements.</source>
+        <translation>Если импортируемые данные содержат повторяющиеся элементы, выберите один из вариантов. По умолчанию новый элемент переименовывается; можно также заменить существующий элемент или не импортировать новый.</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Переименовать</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>Заменить</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Пропустить</translation>
+    </message>
+    <message>
+        <source>Select Items</source>
+        <translation>Выбор элементов</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>Выбрать все</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Имя</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>Описание</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>ОК</translation>
+    </message>
+    <message>
+        <source>Open XML file</source>
+        <translation>Открыть файл XML</translation>
+    </message>
+    <message>
+        <source>XML (*.xml)</source>
+        <translation>XML (*.xml)</translation>
+    </message>
+    <message>
+        <source>Save XML file</source>
+        <translation>Сохранить файл XML</translation>
+    </message>
+    <message>
+        <source>The file %1 is too large (%2 MB); a pallet file has at most %3 MB.</source>
+        <translation>Файл %1 слишком велик (%2 МБ); файл паллет не больше %3 МБ.</translation>
+    </message>
+    <message>
+        <source>The file %1 cannot be read as a pallet file:
+%2</source>
+        <translation>Файл %1 не читается как файл паллет:
+%2</translation>
+    </message>
+    <message>
+        <source>The file %1 does not hold a list of pallets.</source>
+        <translation>Файл %1 не содержит списка паллет.</translation>
+    </message>
+    <message>
+        <source>The pallet %1 in the file %2 has a missing or wrong value at "%3". Nothing is imported from this file.</source>
+        <translation>У паллеты %1 в файле %2 отсутствует или неверно значение «%3». Из этого файла ничего не импортируется.</translation>
+    </message>
+    <message>
+        <source>The pallet name %1 is used twice in the file %2. Nothing is imported from this file.</source>
+        <translation>Имя паллеты %1 встречается в файле %2 дважды. Из этого файла ничего не импортируется.</translation>
+    </message>
+    <message>
+        <source>Import success!</source>
+        <translation>Импорт выполнен!</translation>
+    </message>
+    <message>
+        <source>Export path can not be empty!</source>
+        <translation>Путь экспорта не может быть пустым!</translation>
+    </message>
+    <message>
+        <source>The pallets could not be written to %1:
+%2</source>
+        <translation>Не удалось записать паллеты в %1:
+%2</translation>
+    </message>
+    <message>
+        <source>Export success to %1!</source>
+        <translation>Экспорт в %1 выполнен!</translation>
+    </message>
+    <message>
+        <source>Tray %1 was not stored on the controller, it will be lost at the next reload!</source>
+        <translation>Паллета %1 не сохранена в контроллере и будет потеряна при следующей загрузке!</translation>
+    </message>
+</context>
 </TS>
