@@ -1,3 +1,4 @@
+#include "tsfile.h"
 #include "jogpanel.h"
 #include "mainwindow.h"
 #include "navigationview.h"
@@ -18,54 +19,6 @@
 #include <QtTest>
 
 namespace {
-
-struct Message
-{
-    QString context;
-    QString source;
-    QString translation;
-    bool unfinished = false;
-};
-
-QList<Message> readTs(const QString &path, QString *error)
-{
-    QList<Message> messages;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = file.errorString();
-        return messages;
-    }
-    QXmlStreamReader xml(&file);
-    QString context;
-    Message current;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (!xml.isStartElement())
-            continue;
-        if (xml.name() == QLatin1String("name")) {
-            context = xml.readElementText();
-        } else if (xml.name() == QLatin1String("message")) {
-            current = Message{context, QString(), QString(), false};
-        } else if (xml.name() == QLatin1String("source")) {
-            current.source = xml.readElementText();
-        } else if (xml.name() == QLatin1String("translation")) {
-            current.unfinished = xml.attributes().value(QLatin1String("type")) == QLatin1String("unfinished");
-            current.translation = xml.readElementText();
-            messages.append(current);
-        }
-    }
-    if (xml.hasError())
-        *error = xml.errorString();
-    return messages;
-}
-
-QSet<QString> keys(const QList<Message> &messages)
-{
-    QSet<QString> out;
-    for (const Message &m : messages)
-        out.insert(m.context + QLatin1String(" :: ") + m.source);
-    return out;
-}
 
 const char *const Languages[] = {"cn", "jp", "kr", "ru"};
 
@@ -92,7 +45,7 @@ private slots:
     void switchingLanguageRetranslatesTheShell();
 
 private:
-    QList<Message> m_wanted;
+    QList<TsMessage> m_wanted;
     QTemporaryDir m_dir;
     std::unique_ptr<QTemporaryDir> m_data;
 };
@@ -118,7 +71,7 @@ void TestShellTranslations::initTestCase()
     m_wanted = readTs(out, &error);
     QVERIFY2(error.isEmpty(), qPrintable(error));
     QVERIFY(m_wanted.size() > 40);
-    QVERIFY(keys(m_wanted).contains(QStringLiteral("tcore::ManagerHelper :: Cancel")));
+    QVERIFY(tsKeys(m_wanted).contains(QStringLiteral("tcore::ManagerHelper :: Cancel")));
 }
 
 void TestShellTranslations::init()
@@ -144,16 +97,16 @@ void TestShellTranslations::everyTextTranslated()
 {
     QFETCH(QString, language);
     QString error;
-    const QList<Message> shipped = readTs(
+    const QList<TsMessage> shipped = readTs(
         QStringLiteral(PENDANT_SOURCE_DIR "/pendant/resources/language/tpendant_%1.ts").arg(language), &error);
     QVERIFY2(error.isEmpty(), qPrintable(error));
-    QStringList missing = (keys(m_wanted) - keys(shipped)).values();
+    QStringList missing = (tsKeys(m_wanted) - tsKeys(shipped)).values();
     missing.sort();
     QVERIFY2(missing.isEmpty(), qPrintable(QStringLiteral("untranslated: ") + missing.join(QLatin1String(" | "))));
-    QStringList stale = (keys(shipped) - keys(m_wanted)).values();
+    QStringList stale = (tsKeys(shipped) - tsKeys(m_wanted)).values();
     stale.sort();
     QVERIFY2(stale.isEmpty(), qPrintable(QStringLiteral("no longer used: ") + stale.join(QLatin1String(" | "))));
-    for (const Message &m : shipped) {
+    for (const TsMessage &m : shipped) {
         QVERIFY2(!m.unfinished, qPrintable(m.context + QLatin1String(" :: ") + m.source));
         QVERIFY2(!m.translation.trimmed().isEmpty(), qPrintable(m.context + QLatin1String(" :: ") + m.source));
         // Placeholders survive translation.
