@@ -890,9 +890,10 @@ void TestImExportDialog::roundTripOnSimulator()
     QVERIFY(QFile::exists(file));
 
     // Delete them all, on the controller and here.
-    for (int i = 0; i < kPallets; ++i) {
+    // From the last one, so the controller renumbers nothing (quick in the sanitizer build too).
+    for (int i = kPallets - 1; i >= 0; --i) {
         orba::ModuleObject param;
-        param.set(nullptr, QStringLiteral("index"), 0, true);
+        param.set(nullptr, QStringLiteral("index"), i, true);
         param.set(nullptr, QStringLiteral("name"), QStringLiteral("full%1").arg(i), true);
         QCOMPARE(tservice()->execCommand(nullptr, QStringLiteral("tray.del_one"), &param)->getInt(-1), 0);
     }
