@@ -6,6 +6,17 @@
 #   <prefix>/<includedir>/tpallet-host           the host SDK headers
 # <libdir> is lib/<multiarch> for /usr (GNUInstallDirs), lib elsewhere.
 # Install components, one Debian package each: host, hostdev, module, shell.
+# GNUInstallDirs picks lib/<multiarch> for /usr only in native builds; a cross build for Debian
+# (the toolchain file names the multiarch) gets the same layout as a native one.
+if(CMAKE_CROSSCOMPILING AND CMAKE_LIBRARY_ARCHITECTURE AND EXISTS /etc/debian_version)
+    if(CMAKE_INSTALL_PREFIX MATCHES "^/usr/?$"
+       AND (NOT CMAKE_INSTALL_LIBDIR OR CMAKE_INSTALL_LIBDIR STREQUAL "lib"))
+        set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Object code libraries" FORCE)
+    elseif(NOT CMAKE_INSTALL_PREFIX MATCHES "^/usr/?$"
+           AND CMAKE_INSTALL_LIBDIR STREQUAL "lib/${CMAKE_LIBRARY_ARCHITECTURE}")
+        set(CMAKE_INSTALL_LIBDIR lib CACHE PATH "Object code libraries" FORCE)
+    endif()
+endif()
 include(GNUInstallDirs)
 
 set(TPALLET_INSTALL_MODULEDIR ${CMAKE_INSTALL_LIBDIR}/tpendant/modules)

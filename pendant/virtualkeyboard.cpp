@@ -29,7 +29,7 @@ constexpr char kInputModule[] = "qtvirtualkeyboard";
 // Keys of about 80 px on the 1280x800 panel.
 constexpr int kMaxWidth = 960;
 
-bool pluginInstalled()
+[[maybe_unused]] bool pluginInstalled()
 {
     const QString plugins = QLibraryInfo::location(QLibraryInfo::PluginsPath);
     const QString qml = QLibraryInfo::location(QLibraryInfo::Qml2ImportsPath);
