@@ -161,12 +161,15 @@ int main(int argc, char **argv)
     orba::ModuleObject *pallets = kx::globalNode(QStringLiteral("tpallet.pallets"));
     size_t treeBytes = 0;
     int nodes = 0;
+    qint64 objects = 0;
     {
         orba::ModuleObject *fresh = makePallet(pallets, QStringLiteral("memory"));
         malloc_trim(0);
         const size_t before = heapInUse();
+        const qint64 objectsBefore = orba::ModuleObject::liveObjects();
         tpallet::generatePoints1(fresh, nullptr);
         treeBytes = heapInUse() - before;
+        objects = orba::ModuleObject::liveObjects() - objectsBefore;
         nodes = countNodes(fresh->c(QStringLiteral("points"))) + countNodes(fresh->r(QStringLiteral("calibrate.points")));
         pallets->remove(nullptr, fresh);
     }
@@ -251,8 +254,10 @@ int main(int argc, char **argv)
     std::printf("%-40s %10.3f %12.4f %8.0f\n", "genPointsAndSaveToRC (whole)", wholeMs, flatMs, wholeMs / flatMs);
     std::printf("\nmemory: tree %.1f KiB for %d nodes (%.0f bytes/node), flat %.1f KiB, ratio %.1f\n", treeKiB,
                 nodes, double(treeBytes) / nodes, flatKiB, treeKiB / flatKiB);
-    std::printf("save status %d, results match the flat array: %s, whole regenerate-and-save < 100 ms: %s\n",
-                saveStatus, same ? "yes" : "NO", wholeMs < 100.0 ? "yes" : "NO");
+    std::printf("node objects created by generatePoints1: %lld of %d nodes (the rest kept compact)\n",
+                static_cast<long long>(objects), nodes);
+    std::printf("save status %d, results match the flat array: %s, whole regenerate-and-save < 20 ms: %s\n",
+                saveStatus, same ? "yes" : "NO", wholeMs < 20.0 ? "yes" : "NO");
 
     tservice()->setTransport(nullptr);
     return same && saveStatus == 0 ? 0 : 1;

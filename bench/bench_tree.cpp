@@ -181,6 +181,58 @@ int main(int argc, char **argv)
     rows.push_back({"write JSON", jsonWrite, writeBound});
     rows.push_back({"read JSON", jsonRead, readBound});
 
+    // A pallet as it arrives from the controller: read from its JSON text. Nothing holds its places
+    // yet, so they need not be objects.
+    malloc_trim(0);
+    const qint64 objectsBefore = ModuleObject::liveObjects();
+    const size_t loadHeapBefore = heapInUse();
+    auto *loaded = new ModuleObject("pallet");
+    if (!loaded->importFromJson(nullptr, json))
+        std::abort();
+    const size_t loadHeap = heapInUse() - loadHeapBefore;
+    const qint64 loadObjects = ModuleObject::liveObjects() - objectsBefore;
+    const bool loadedSame = loaded->equals(&pallet);
+    // One place read through a path, as a page showing it does.
+    g_sink = loaded->r(QStringLiteral("points.#600.wobj.trans.#0"))->getDouble();
+    const qint64 oneReadObjects = ModuleObject::liveObjects() - objectsBefore;
+    const size_t oneReadHeap = heapInUse() - loadHeapBefore;
+    delete loaded;
+
+    // The connection load: 100 full pallets in one reply, read and copied into the pallet list.
+    constexpr int kPallets = 100;
+    QByteArray reply("{\"data\":[");
+    reply.reserve(json.size() * kPallets + 64);
+    for (int i = 0; i < kPallets; ++i) {
+        if (i)
+            reply.append(',');
+        reply.append(json);
+    }
+    reply.append("]}");
+    const double load100Bound = readBound * kPallets;
+    size_t load100Heap = 0;
+    qint64 load100Objects = 0;
+    bool load100Same = true;
+    double load100Ms = 1e300;
+    for (int repeat = 0; repeat < 3; ++repeat) {
+        malloc_trim(0);
+        const qint64 before = ModuleObject::liveObjects();
+        const size_t heapBefore100 = heapInUse();
+        QElapsedTimer t;
+        t.start();
+        ModuleObject replyNode;
+        if (!replyNode.importFromJson(nullptr, reply))
+            std::abort();
+        ModuleObject pallets("pallets");
+        pallets.copyFrom(nullptr, replyNode.c(QStringLiteral("data")));
+        replyNode.clear(nullptr);
+        // Tearing the list down again is not part of the load.
+        load100Ms = std::min(load100Ms, t.nsecsElapsed() / 1e6);
+        load100Heap = heapInUse() - heapBefore100;
+        load100Objects = ModuleObject::liveObjects() - before;
+        load100Same = pallets.cmobjCount() == kPallets && pallets.c(kPallets - 1)->equals(&pallet);
+    }
+    rows.push_back({"load 100 pallets (JSON)", load100Ms, load100Bound});
+
     std::printf("%-26s %12s %14s %8s\n", "operation", "time [ms]", "bound [ms]", "ratio");
     for (const Row &r : rows)
         std::printf("%-26s %12.3f %14.3f %8.1f\n", r.name, r.ms, r.boundMs, r.ms / r.boundMs);
@@ -188,5 +240,15 @@ int main(int argc, char **argv)
                 nodes, (heapAfter - heapBefore) / 1024.0, double(heapAfter - heapBefore) / nodes,
                 doubles * 8 / 1024.0);
     std::printf("XML: %d bytes, JSON: %d bytes\n", int(xml.size()), int(json.size()));
-    return 0;
+    std::printf("\npallet read from JSON: heap %.1f KiB (%.2f MiB, bound 4 MiB: %s), %lld node objects for %d nodes,"
+                " same tree: %s\n",
+                loadHeap / 1024.0, loadHeap / 1048576.0, loadHeap < 4u * 1048576u ? "yes" : "NO",
+                static_cast<long long>(loadObjects), nodes, loadedSame ? "yes" : "NO");
+    std::printf("  after reading one place through a path: heap %.1f KiB, %lld node objects\n", oneReadHeap / 1024.0,
+                static_cast<long long>(oneReadObjects));
+    std::printf("100 pallets read and copied into the list: heap %.1f MiB (%.2f MiB per pallet), %lld node objects,"
+                " same tree: %s\n",
+                load100Heap / 1048576.0, load100Heap / 1048576.0 / kPallets, static_cast<long long>(load100Objects),
+                load100Same ? "yes" : "NO");
+    return loadedSame && load100Same ? 0 : 1;
 }

@@ -7,6 +7,8 @@
 #   bash tools/dev.sh cross                    AArch64 build (build-aarch64/), its tests under qemu,
 #                                              generated places compared with x86-64 byte for byte
 #   bash tools/dev.sh package                  Debian packages of a /usr build into build-ship/packages/
+#   bash tools/dev.sh fuzz [seconds]           clang libFuzzer build (build-fuzz/), each target run for
+#                                              [seconds] (default 60) over its corpus in fuzz/corpus/
 # Missing Debian packages (listed in .ci/packages.txt) are installed first.
 set -euo pipefail
 
@@ -73,6 +75,53 @@ enable_binfmt() {
     }
     as_root sh -c "cat /usr/lib/binfmt.d/qemu-aarch64.conf > $misc/register"
     echo "Registered qemu-aarch64 with binfmt_misc."
+}
+
+# clang with libFuzzer and the sanitizer runtimes (Debian 12 ships them in libclang-rt-14-dev),
+# and llvm-symbolizer for readable stacks.
+fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
+install_fuzz_deps() {
+    local missing=()
+    for pkg in "${fuzz_packages[@]}"; do
+        dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    as_root apt-get update -q
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+# Each target over a working copy of its corpus (new finds land there, fuzz/corpus/ stays as it is);
+# a crash, a leak, a timeout or a failed check leaves its input in build-fuzz/fuzz/artifacts/.
+run_fuzzers() {
+    local out=$1 seconds=$2 failed=()
+    export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:allocator_may_return_null=1
+    export LSAN_OPTIONS=suppressions=$root/tools/lsan.supp:print_suppressions=0
+    export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+    [ -x /usr/lib/llvm-14/bin/llvm-symbolizer ] && export ASAN_SYMBOLIZER_PATH=/usr/lib/llvm-14/bin/llvm-symbolizer
+    mkdir -p "$out/fuzz/artifacts"
+    for target in xml json session; do
+        local work=$out/fuzz/corpus-$target
+        mkdir -p "$work"
+        local dict=()
+        [ -f "$root/fuzz/$target.dict" ] && dict=(-dict="$root/fuzz/$target.dict")
+        local common=(-rss_limit_mb=2560 -timeout=60 -artifact_prefix="$out/fuzz/artifacts/$target-")
+        echo "== fuzz_$target: every seed once, whole (the regression inputs go up to 1 MB)"
+        if ! "$out/fuzz/fuzz_$target" -runs=0 -max_len=1200000 "${common[@]}" "$root/fuzz/corpus/$target"; then
+            failed+=("fuzz_$target")
+            continue
+        fi
+        # Mutating megabyte inputs would make a few runs a second: new inputs stay within 64 KB.
+        echo "== fuzz_$target for $seconds s"
+        if ! "$out/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=65536 -print_final_stats=1 "${dict[@]}" \
+                "${common[@]}" "$work" "$root/fuzz/corpus/$target"; then
+            failed+=("fuzz_$target")
+        fi
+    done
+    if [ ${#failed[@]} -gt 0 ]; then
+        echo "fuzzing found problems in: ${failed[*]} (inputs in $out/fuzz/artifacts/)" >&2
+        return 1
+    fi
 }
 
 case "$cmd" in
@@ -159,8 +208,21 @@ package)
         dpkg-deb -f "$deb" Package Version Architecture Depends Recommends
     done
     ;;
+fuzz)
+    install_deps
+    install_fuzz_deps
+    seconds=${1:-60}
+    out=${FUZZ_BUILD_DIR:-$root/build-fuzz}
+    launcher=()
+    command -v ccache >/dev/null 2>&1 && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    cmake -S "$root" -B "$out" -G Ninja "${launcher[@]}" -DCMAKE_CXX_COMPILER=clang++-14 \
+          -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTPALLET_BUILD_FUZZ=ON -DTPALLET_BUILD_TESTS=OFF \
+          -DTPALLET_BUILD_BENCH=OFF
+    cmake --build "$out" -j "$jobs" --target fuzz_xml fuzz_json fuzz_session
+    run_fuzzers "$out" "$seconds"
+    ;;
 *)
-    sed -n '2,10p' "${BASH_SOURCE[0]}"
+    sed -n '2,12p' "${BASH_SOURCE[0]}"
     exit 2
     ;;
 esac

@@ -58,6 +58,8 @@ public:
         emit sendLine("{\"id\":" + id + ",\"result\":{\"status\":0,\"data\":" + data + "}}");
     }
     void clientClosed() override { ++closedCount; }
+    void clientOpened() override { ++openedCount; }
+    std::atomic<int> openedCount{0};
 };
 
 } // namespace
@@ -81,6 +83,8 @@ private slots:
     void endpointDestroyedDisconnects();
     void closeTellsEndpoint();
     void noEndpointIsNoLink();
+    void reopenAfterClose_data();
+    void reopenAfterClose();
 
 private:
     void start(bool worker);
@@ -256,6 +260,34 @@ void TestInProcessTransport::noEndpointIsNoLink()
     QVERIFY(!m_transport->isConnected());
     QVERIFY(!m_transport->post("{}"));
     QCOMPARE(tservice()->execCommand(this, "echo")->getInt(), int(TService::StatusNoLink));
+}
+
+void TestInProcessTransport::reopenAfterClose_data()
+{
+    QTest::addColumn<bool>("threaded");
+    QTest::newRow("same thread") << false;
+    QTest::newRow("worker thread") << true;
+}
+
+// The pendant closes and opens its link again (a reconnect from the status bar): the endpoint
+// serves the new connection.
+void TestInProcessTransport::reopenAfterClose()
+{
+    QFETCH(bool, threaded);
+    start(threaded);
+    QSignalSpy up(m_transport, &orbat::Transport::connected);
+    m_transport->close();
+    QTRY_COMPARE(m_endpoint->closedCount.load(), 1);
+    QCOMPARE(m_endpoint->openedCount.load(), 0);
+    m_transport->open();
+    QTRY_COMPARE(m_endpoint->openedCount.load(), 1);
+    QTRY_VERIFY(up.count() >= 1);
+    QVERIFY(m_transport->isConnected());
+    QCOMPARE(tservice()->execCommand(this, "echo")->getInt(-1), 0);
+    // Opening an open link tells the endpoint nothing.
+    m_transport->open();
+    QTest::qWait(20);
+    QCOMPARE(m_endpoint->openedCount.load(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestInProcessTransport)

@@ -80,6 +80,13 @@ private slots:
     void variantNumbers();
     void variantRoundTrip();
     void variantErrors();
+    void duplicateKeysRefused_data();
+    void duplicateKeysRefused();
+    void negativeNanKeepsSign();
+    void leadingFeffKept_data();
+    void leadingFeffKept();
+    void nodeBudget();
+    void variantValueBudgetAtRealLimit();
 };
 
 void TestJson::init()
@@ -327,6 +334,18 @@ void TestJson::oversizedInputRejected()
     QVERIFY(error.contains(QLatin1String("exceeds")));
     QCOMPARE(target.getInt(), 3);
 
+    // A text of exactly the limit is read.
+    big.chop(1);
+    QCOMPARE(qint64(big.size()), orba::json::maxJsonBytes());
+    QVERIFY2(target.importFromJson(nullptr, big, &error), qPrintable(error));
+    QCOMPARE(target.getInt(), 1);
+    bool ok = false;
+    QCOMPARE(orba::json::toVariant(big, &ok).toInt(), 1);
+    QVERIFY(ok);
+    big.append(' ');
+    QVERIFY(!orba::json::toVariant(big, &ok).isValid());
+    QVERIFY(!ok);
+
     // The deepest accepted nesting is exactly the limit.
     QVERIFY(target.importFromJson(nullptr, deepNesting(orba::json::maxJsonDepth() - 1).prepend("[1,").append("]")));
 }
@@ -380,6 +399,185 @@ void TestJson::variantErrors()
     QVERIFY(!orba::json::toVariant("{\"a\":}", &ok, &error).isValid());
     QVERIFY(!ok);
     QVERIFY(error.contains(QLatin1String("offset 5")));
+}
+
+void TestJson::duplicateKeysRefused_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("plain key") << QByteArray(R"({"a":1,"a":2})") << R"(JSON error at offset 7: duplicate key "a")";
+    QTest::newRow("array-like key") << QByteArray(R"({"#0":1,"#1":2,"#0":3})")
+                                    << R"(JSON error at offset 15: duplicate key "#0")";
+    QTest::newRow("value key") << QByteArray(R"({"@value":1,"x":2,"@value":3})")
+                               << R"(JSON error at offset 18: duplicate key "@value")";
+    QTest::newRow("same key spelled with an escape") << QByteArray(R"({"ab":1,"\u0061b":2})")
+                                                     << R"(JSON error at offset 8: duplicate key "ab")";
+    QTest::newRow("nested object") << QByteArray(R"({"a":[{"k":1,"j":{},"k":{}}]})")
+                                   << R"(JSON error at offset 20: duplicate key "k")";
+    QByteArray many = "{";
+    for (int i = 0; i < 50; ++i)
+        many += "\"k" + QByteArray::number(i) + "\":" + QByteArray::number(i) + ",";
+    const int at = many.size();
+    many += "\"k17\":0}";
+    QTest::newRow("among many keys") << many << QStringLiteral("JSON error at offset %1: duplicate key \"k17\"").arg(at);
+    const QByteArray longKey(1024 * 1024, 'k');
+    QTest::newRow("long key quoted short")
+        << "{\"" + longKey + "\":1,\"" + longKey + "\":2}"
+        << QStringLiteral("JSON error at offset %1: duplicate key \"%2...\"")
+               .arg(longKey.size() + 6)
+               .arg(QString(QLatin1String(longKey.left(64))));
+}
+
+// Every reader refuses a repeated key in the same words: the tree reader (also what the
+// controller parses requests with) and the variant reader (the client's replies).
+void TestJson::duplicateKeysRefused()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QString, message);
+    ModuleObject target("target");
+    target.set(nullptr, "keep", 1);
+    QString error;
+    QVERIFY(!orba::json::read(nullptr, &target, json, &error));
+    QCOMPARE(error, message);
+    QCOMPARE(target.cmobjNames(), QStringList{"keep"});
+
+    bool ok = true;
+    QString variantError;
+    QVERIFY(!orba::json::toVariant(json, &ok, &variantError).isValid());
+    QVERIFY(!ok);
+    QCOMPARE(variantError, message);
+}
+
+void TestJson::leadingFeffKept_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("leading") << QString(QChar(0xFEFF)) + QStringLiteral("pallet");
+    QTest::newRow("alone") << QString(QChar(0xFEFF));
+    QTest::newRow("twice") << QString(QChar(0xFEFF)) + QChar(0xFEFF) + QStringLiteral("x");
+    QTest::newRow("after an escape") << QStringLiteral("a\n") + QChar(0xFEFF) + QStringLiteral("b");
+}
+
+// A U+FEFF at the start of a name or string is text, not a byte order mark: it survives a round
+// trip (a pallet named so stays addressable by its name).
+void TestJson::leadingFeffKept()
+{
+    QFETCH(QString, text);
+    ModuleObject tree;
+    tree.append(nullptr, text)->setValue(nullptr, text);
+    const QByteArray json = tree.exportToJson(true);
+    ModuleObject back;
+    QString error;
+    QVERIFY2(back.importFromJson(nullptr, json, &error), qPrintable(error));
+    QCOMPARE(back.c(0)->name(), text);
+    QCOMPARE(back.c(0)->getString(), text);
+    bool ok = false;
+    const QVariantMap map = orba::json::toVariant(json, &ok).toMap();
+    QVERIFY(ok);
+    QCOMPARE(map.value(text).toString(), text);
+}
+
+void TestJson::negativeNanKeepsSign()
+{
+    const double negative = std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0);
+    const double positive = std::numeric_limits<double>::quiet_NaN();
+    ModuleObject node;
+    node.set(nullptr, "neg", negative);
+    node.set(nullptr, "pos", positive);
+    node.set(nullptr, "text", QStringLiteral("@-nan"));
+    const QByteArray text = node.exportToJson();
+    QCOMPARE(text, QByteArray(R"({"neg":"@-nan","pos":"@nan","text":"@@-nan"})"));
+    ModuleObject back;
+    QVERIFY(back.importFromJson(nullptr, text));
+    QVERIFY(back.equals(&node));
+    const double n = back.r("neg")->getDouble();
+    QVERIFY(std::memcmp(&n, &negative, sizeof n) == 0);
+    QCOMPARE(back.r("text")->value(), QVariant(QStringLiteral("@-nan")));
+
+    const QVariantMap map{{"neg", negative}, {"pos", positive}};
+    const QByteArray plain = orba::json::fromVariant(map);
+    QCOMPARE(plain, QByteArray(R"({"neg":"@-nan","pos":"@nan"})"));
+    bool ok = false;
+    const QVariantMap again = orba::json::toVariant(plain, &ok).toMap();
+    QVERIFY(ok);
+    const double v = again.value("neg").toDouble();
+    const double w = again.value("pos").toDouble();
+    QVERIFY(std::memcmp(&v, &negative, sizeof v) == 0);
+    QVERIFY(std::memcmp(&w, &positive, sizeof w) == 0);
+}
+
+// The node budget on both sides, with a small budget: wide, deep and empty containers count alike.
+void TestJson::nodeBudget()
+{
+    const qint64 budget = 100;
+    auto array = [](int elements, const char *element) {
+        QByteArray s = "[";
+        for (int i = 0; i < elements; ++i)
+            s += (i ? "," : "") + QByteArray(element);
+        return s + "]";
+    };
+    const QByteArray deep = QByteArray(100, '[') + QByteArray(100, ']');
+    struct Case
+    {
+        QByteArray text;
+        bool fits;
+    };
+    const Case cases[] = {
+        {array(99, "0"), true},
+        {array(100, "0"), false},
+        {array(99, "[]"), true},
+        {array(100, "[]"), false},
+        {array(49, "[0]"), true},
+        {array(50, "[0]"), false},
+        {deep, true},
+        {"[" + deep + "]", false},
+    };
+    for (const Case &c : cases) {
+        ModuleObject target;
+        target.setValue(nullptr, 7);
+        QString error;
+        QCOMPARE(orba::json::read(nullptr, &target, c.text, &error, budget), c.fits);
+        if (c.fits) {
+            QVERIFY(error.isEmpty());
+        } else {
+            QVERIFY2(error.endsWith(QLatin1String("more than 100 nodes")), qPrintable(error));
+            QCOMPARE(target.getInt(), 7);
+        }
+        bool ok = !c.fits;
+        QString variantError;
+        orba::json::toVariant(c.text, &ok, &variantError, budget);
+        QCOMPARE(ok, c.fits);
+        if (!c.fits)
+            QVERIFY2(variantError.endsWith(QLatin1String("more than 100 values")), qPrintable(variantError));
+    }
+    // An object's members count too.
+    bool ok = false;
+    orba::json::toVariant(R"({"a":{},"b":{"c":1}})", &ok, nullptr, 4);
+    QVERIFY(ok);
+    orba::json::toVariant(R"({"a":{},"b":{"c":1}})", &ok, nullptr, 3);
+    QVERIFY(!ok);
+}
+
+// A line of 16 MB of empty arrays would have made 8 M variants and more: the real budget holds.
+void TestJson::variantValueBudgetAtRealLimit()
+{
+    const qint64 budget = orba::json::maxJsonNodes();
+    QByteArray text;
+    text.reserve(int(budget * 3 + 2));
+    text += '[';
+    for (qint64 i = 1; i < budget; ++i)
+        text += i > 1 ? ",[]" : "[]";
+    text += ']';
+    bool ok = false;
+    QString error;
+    QVariant v = orba::json::toVariant(text, &ok, &error);
+    QVERIFY2(ok, qPrintable(error));
+    QCOMPARE(v.toList().size(), int(budget - 1));
+    v = QVariant();
+    text.insert(1, "[],");
+    QVERIFY(!orba::json::toVariant(text, &ok, &error).isValid());
+    QVERIFY(!ok);
+    QVERIFY2(error.endsWith(QStringLiteral("more than %1 values").arg(budget)), qPrintable(error));
 }
 
 QTEST_GUILESS_MAIN(TestJson)

@@ -84,7 +84,69 @@ private slots:
     void globalLookupAndReset();
     void metatypeIsRegistered();
     void childrenDestroyedWithParent();
+
+    // Children nobody was handed are kept compact: these check that this cannot be observed.
+    void loadedTreeAnswersWithoutObjects();
+    void pointerAccessMaterialisesLevels_data();
+    void pointerAccessMaterialisesLevels();
+    void pathWritesAfterPartialMaterialisation_data();
+    void pathWritesAfterPartialMaterialisation();
+    void pathWriteNotifiesHandedOutNode();
+    void handedOutNodeNotifiesAfterLoad();
+    void loadIntoWatchedNodeAnnouncesChildren();
+    void mixedTreesCopyCompareAndSerialise();
+    void copiesOfCompactTreesStayIndependent();
+    void overlayOntoCompactTree();
+    void takeInsertRemoveOnCompactParent();
+    void clearOnCompactParent();
+    void deletingParentWithCompactChildren();
+    void duplicateNamesInCompactTree();
 };
+
+namespace {
+
+// A small pallet as the controller sends it: named nodes, arrays, values on every level.
+const char kPalletJson[] = R"({"name":"p1","points":[{"wobj":{"trans":[1.5,2.5,3.5],"rot":[0,0,0.5]}},)"
+                           R"({"wobj":{"trans":[4.5,5.5,6.5],"rot":[0,0,1]}}],"pattern":{"row":2,"col":1}})";
+
+bool loadPallet(ModuleObject *node)
+{
+    QString error;
+    const bool ok = node->importFromJson(nullptr, QByteArray(kPalletJson), &error);
+    if (!ok)
+        qWarning("%s", qPrintable(error));
+    return ok;
+}
+
+// The same tree built node by node, every node an object from the start.
+void buildPallet(ModuleObject *node)
+{
+    node->set(nullptr, "name", QStringLiteral("p1"));
+    node->set(nullptr, "points.#0.wobj.trans.#0", 1.5);
+    node->set(nullptr, "points.#0.wobj.trans.#1", 2.5);
+    node->set(nullptr, "points.#0.wobj.trans.#2", 3.5);
+    node->set(nullptr, "points.#0.wobj.rot.#0", 0);
+    node->set(nullptr, "points.#0.wobj.rot.#1", 0);
+    node->set(nullptr, "points.#0.wobj.rot.#2", 0.5);
+    node->set(nullptr, "points.#1.wobj.trans.#0", 4.5);
+    node->set(nullptr, "points.#1.wobj.trans.#1", 5.5);
+    node->set(nullptr, "points.#1.wobj.trans.#2", 6.5);
+    node->set(nullptr, "points.#1.wobj.rot.#0", 0);
+    node->set(nullptr, "points.#1.wobj.rot.#1", 0);
+    node->set(nullptr, "points.#1.wobj.rot.#2", 1);
+    node->set(nullptr, "pattern.row", 2);
+    node->set(nullptr, "pattern.col", 1);
+}
+
+const QStringList kPalletNames{"name", "points", "points.#0", "points.#0.wobj", "points.#0.wobj.trans",
+                               "points.#0.wobj.trans.#0", "points.#0.wobj.trans.#1", "points.#0.wobj.trans.#2",
+                               "points.#0.wobj.rot", "points.#0.wobj.rot.#0", "points.#0.wobj.rot.#1",
+                               "points.#0.wobj.rot.#2", "points.#1", "points.#1.wobj", "points.#1.wobj.trans",
+                               "points.#1.wobj.trans.#0", "points.#1.wobj.trans.#1", "points.#1.wobj.trans.#2",
+                               "points.#1.wobj.rot", "points.#1.wobj.rot.#0", "points.#1.wobj.rot.#1",
+                               "points.#1.wobj.rot.#2", "pattern", "pattern.row", "pattern.col"};
+
+} // namespace
 
 void TestModuleObject::init()
 {
@@ -1027,6 +1089,492 @@ void TestModuleObject::childrenDestroyedWithParent()
     delete parent;
     QCOMPARE(childGone.count(), 1);
     QCOMPARE(grandGone.count(), 1);
+}
+
+void TestModuleObject::loadedTreeAnswersWithoutObjects()
+{
+    ModuleObject built("pallet");
+    buildPallet(&built);
+    ModuleObject pallet("pallet");
+    const qint64 before = ModuleObject::liveObjects();
+    QVERIFY(loadPallet(&pallet));
+    QCOMPARE(ModuleObject::liveObjects(), before);
+
+    // Whole-tree reads work on the compact form.
+    QCOMPARE(pallet.cmobjCount(), 3);
+    QCOMPARE(pallet.size(), 3);
+    QVERIFY(!pallet.isArray());
+    QVERIFY(!pallet.isNull());
+    QVERIFY(!pallet.hasValue());
+    QCOMPARE(pallet.cmobjNames(false), (QStringList{"name", "points", "pattern"}));
+    QCOMPARE(pallet.cmobjNames(true), kPalletNames);
+    QCOMPARE(pallet.exportToJson(true), QByteArray(kPalletJson));
+    QCOMPARE(pallet.exportToJson(true), built.exportToJson(true));
+    QCOMPARE(pallet.exportToVariant(), built.exportToVariant());
+    QCOMPARE(ModuleManager::toXml(&pallet, true), ModuleManager::toXml(&built, true));
+    QVERIFY(pallet.equals(&built));
+    QVERIFY(built.equals(&pallet));
+    ModuleObject copy;
+    copy.copyFrom(nullptr, &pallet);
+    QVERIFY(copy.equals(&pallet));
+    QCOMPARE(ModuleObject::liveObjects(), before + 1);
+
+    // Reading values hands out pointers: only then do objects appear, one level at a time.
+    QCOMPARE(pallet.r("points.#1.wobj.trans.#2")->getDouble(), 6.5);
+    QCOMPARE(ModuleObject::liveObjects(), before + 1 + 3 + 2 + 1 + 2 + 3);
+    QCOMPARE(pallet.cmobjNames(true), kPalletNames);
+    QVERIFY(pallet.equals(&built));
+}
+
+void TestModuleObject::pointerAccessMaterialisesLevels_data()
+{
+    QTest::addColumn<QString>("access");
+    QTest::addColumn<QString>("expectedName");
+    QTest::addColumn<int>("expectedIndex");
+    QTest::addColumn<int>("newObjects");
+
+    QTest::newRow("c(name)") << "c(name)" << "pattern" << 2 << 3;
+    QTest::newRow("c(index)") << "c(index)" << "points" << 1 << 3;
+    QTest::newRow("r(path)") << "r(path)" << "#1" << 1 << 3 + 2 + 1 + 2 + 3;
+    QTest::newRow("cmobjs()") << "cmobjs()" << "name" << 0 << 3;
+    QTest::newRow("cmobjs(recursive)") << "cmobjs(recursive)" << "name" << 0 << 25;
+    QTest::newRow("hasCmobj") << "hasCmobj" << "points" << 1 << 3;
+    QTest::newRow("c(name, create)") << "c(name, create)" << "extra" << 3 << 4;
+    QTest::newRow("append") << "append" << "extra" << 3 << 4;
+    QTest::newRow("take") << "take" << "points" << 1 << 3;
+}
+
+void TestModuleObject::pointerAccessMaterialisesLevels()
+{
+    QFETCH(QString, access);
+    QFETCH(QString, expectedName);
+    QFETCH(int, expectedIndex);
+    QFETCH(int, newObjects);
+
+    ModuleObject pallet("pallet");
+    QVERIFY(loadPallet(&pallet));
+    const qint64 before = ModuleObject::liveObjects();
+    ModuleObject *got = nullptr;
+    std::unique_ptr<ModuleObject> taken;
+    if (access == QLatin1String("c(name)")) {
+        got = pallet.c("pattern");
+    } else if (access == QLatin1String("c(index)")) {
+        got = pallet.c(1);
+    } else if (access == QLatin1String("r(path)")) {
+        got = pallet.r("points.#1.wobj.trans.#2")->p(2);
+        QCOMPARE(pallet.r("points.#1.wobj.trans.#2")->getDouble(), 6.5);
+    } else if (access == QLatin1String("cmobjs()")) {
+        const QList<ModuleObject *> children = pallet.cmobjs();
+        QCOMPARE(children.size(), 3);
+        got = children.first();
+    } else if (access == QLatin1String("cmobjs(recursive)")) {
+        const QList<ModuleObject *> all = pallet.cmobjs(true);
+        QCOMPARE(all.size(), kPalletNames.size());
+        for (int i = 0; i < all.size(); ++i)
+            QCOMPARE(all.at(i), pallet.r(kPalletNames.at(i)));
+        got = all.first();
+    } else if (access == QLatin1String("hasCmobj")) {
+        QVERIFY(pallet.hasCmobj("points"));
+        got = pallet.c(1);
+    } else if (access == QLatin1String("c(name, create)")) {
+        got = pallet.c("extra", true);
+    } else if (access == QLatin1String("append")) {
+        got = pallet.append(nullptr, "extra");
+    } else if (access == QLatin1String("take")) {
+        taken.reset(pallet.take(nullptr, 1));
+        QVERIFY(taken);
+        QCOMPARE(taken->p(0), ModuleManager::emptyMobj());
+        QCOMPARE(taken->indexInPmobj(), -1);
+        QCOMPARE(taken->r("#0.wobj.rot.#2")->getDouble(), 0.5);
+        QCOMPARE(pallet.cmobjNames(false), (QStringList{"name", "pattern"}));
+        QCOMPARE(pallet.c(1)->indexInPmobj(), 1);
+        QCOMPARE(taken->name(), expectedName);
+        return;
+    }
+    QVERIFY(got);
+    QVERIFY(!got->isEmpty());
+    QCOMPARE(got->name(), expectedName);
+    QCOMPARE(got->indexInPmobj(), expectedIndex);
+    QCOMPARE(ModuleObject::liveObjects() - before, qint64(newObjects));
+    // Handed-out nodes are real children: parent pointers and lookups agree.
+    if (got->p(0) == &pallet)
+        QCOMPARE(pallet.c(expectedIndex), got);
+    else
+        QCOMPARE(got->p(0), pallet.c("points"));
+    // Asking again hands out the same objects.
+    QCOMPARE(ModuleObject::liveObjects() - before, qint64(newObjects));
+}
+
+void TestModuleObject::pathWritesAfterPartialMaterialisation_data()
+{
+    QTest::addColumn<QString>("handOut");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QVariant>("value");
+
+    QTest::newRow("nothing handed out, existing value") << "" << "points.#1.wobj.trans.#0" << QVariant(9.25);
+    QTest::newRow("nothing handed out, new element") << "" << "points.#1.wobj.near.#3" << QVariant(7);
+    QTest::newRow("nothing handed out, new place") << "" << "points.#4.wobj.trans.#0" << QVariant(1.0);
+    QTest::newRow("sibling handed out") << "points.#0.wobj" << "points.#1.wobj.rot.#2" << QVariant(2.0);
+    QTest::newRow("parent handed out") << "points.#1" << "points.#1.wobj.trans.#1" << QVariant(-1.5);
+    QTest::newRow("target handed out") << "points.#1.wobj.trans.#1" << "points.#1.wobj.trans.#1"
+                                      << QVariant(QStringLiteral("x"));
+    QTest::newRow("new child of a compact node") << "points" << "points.#0.wobj.extra" << QVariant(true);
+    QTest::newRow("uncanonical value type") << "points.#0" << "points.#1.wobj.trans.#2" << QVariant(qint64(5));
+    QTest::newRow("empty segment") << "" << "pattern..x" << QVariant(1);
+}
+
+void TestModuleObject::pathWritesAfterPartialMaterialisation()
+{
+    QFETCH(QString, handOut);
+    QFETCH(QString, path);
+    QFETCH(QVariant, value);
+
+    // Whatever is an object or not, a write lands where it lands in a tree of objects.
+    ModuleObject compact("pallet");
+    QVERIFY(loadPallet(&compact));
+    ModuleObject objects("pallet");
+    buildPallet(&objects);
+    if (!handOut.isEmpty())
+        QVERIFY(!compact.r(handOut)->isEmpty());
+    compact.set(nullptr, path, value);
+    objects.set(nullptr, path, value);
+    QVERIFY(compact.equals(&objects));
+    QCOMPARE(compact.exportToJson(), objects.exportToJson());
+    QCOMPARE(compact.cmobjNames(true), objects.cmobjNames(true));
+    QCOMPARE(compact.r(path)->value(), objects.r(path)->value());
+}
+
+void TestModuleObject::pathWriteNotifiesHandedOutNode()
+{
+    ModuleObject pallet("pallet");
+    QVERIFY(loadPallet(&pallet));
+    QObject sender;
+    ModuleObject *element = pallet.r("points.#0.wobj.trans.#1");
+    QSignalSpy changed(element, &ModuleObject::changed);
+    ModuleObject *wobj = pallet.r("points.#1.wobj");
+    QSignalSpy inserted(wobj, &ModuleObject::childInserted);
+
+    pallet.set(&sender, "points.#0.wobj.trans.#1", 8.0);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0), QVariant(8.0));
+    QCOMPARE(changed.at(0).at(1), QVariant(2.5));
+    QCOMPARE(changed.at(0).at(2).value<QObject *>(), &sender);
+    QCOMPARE(pallet.r("points.#0.wobj.trans.#1"), element);
+
+    // The same value again is no change.
+    pallet.set(&sender, "points.#0.wobj.trans.#1", 8.0);
+    QCOMPARE(changed.count(), 1);
+
+    // A new child of a handed-out node is announced; writes below unseen nodes are not.
+    pallet.set(&sender, "points.#1.wobj.rot.#0", 3.0);
+    QCOMPARE(inserted.count(), 0);
+    pallet.set(&sender, "points.#1.wobj.near.#1", 3.0);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.at(0).at(0).value<ModuleObject *>(), wobj->c("near"));
+    QCOMPARE(inserted.at(0).at(1).toInt(), 2);
+    QCOMPARE(inserted.at(0).at(2).value<QObject *>(), &sender);
+    QCOMPARE(pallet.r("points.#1.wobj.near")->cmobjNames(), (QStringList{"#0", "#1"}));
+    QCOMPARE(pallet.r("points.#1.wobj.rot.#0")->getDouble(), 3.0);
+}
+
+void TestModuleObject::handedOutNodeNotifiesAfterLoad()
+{
+    ModuleObject pallet("pallet");
+    QVERIFY(loadPallet(&pallet));
+    QObject sender;
+    ModuleObject *row = pallet.r("pattern.row");
+    QSignalSpy changed(row, &ModuleObject::changed);
+    row->setValue(&sender, 5);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0), QVariant(5));
+    QCOMPARE(changed.at(0).at(1), QVariant(2));
+    row->setValue(&sender, 5);
+    QCOMPARE(changed.count(), 1);
+    row->trigger(&sender);
+    QCOMPARE(changed.count(), 2);
+
+    ModuleObject *points = pallet.c("points");
+    QSignalSpy inserted(points, &ModuleObject::childInserted);
+    QSignalSpy removed(points, &ModuleObject::childRemoved);
+    QSignalSpy cleared(points, &ModuleObject::cleared);
+    ModuleObject *added = points->append(&sender, "#2");
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.at(0).at(0).value<ModuleObject *>(), added);
+    QCOMPARE(inserted.at(0).at(1).toInt(), 2);
+    QVERIFY(points->remove(&sender, 0));
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(0).toString(), QStringLiteral("#0"));
+    QCOMPARE(removed.at(0).at(1).toInt(), 0);
+    points->clear(&sender);
+    QCOMPARE(cleared.count(), 1);
+    QCOMPARE(points->cmobjCount(), 0);
+}
+
+void TestModuleObject::loadIntoWatchedNodeAnnouncesChildren()
+{
+    ModuleObject pallet("pallet");
+    QObject sender;
+    QList<ModuleObject *> announced;
+    QList<int> counts;
+    connect(&pallet, &ModuleObject::childInserted, &pallet, [&](ModuleObject *child, int index, QObject *) {
+        announced.append(child);
+        counts.append(pallet.cmobjCount());
+        QCOMPARE(child->indexInPmobj(), index);
+        QCOMPARE(child->p(0), &pallet);
+    });
+    QVERIFY(pallet.importFromJson(&sender, QByteArray(kPalletJson)));
+    QCOMPARE(announced.size(), 3);
+    // Each child is announced as it arrives, as when they are appended one by one.
+    QCOMPARE(counts, (QList<int>{1, 2, 3}));
+    QCOMPARE(announced.at(1), pallet.c("points"));
+    QCOMPARE(announced.at(1)->r("#1.wobj.trans.#0")->getDouble(), 4.5);
+
+    // Copying into a watched node announces its children too, an unwatched node stays quiet.
+    ModuleObject watched("copy");
+    QSignalSpy inserted(&watched, &ModuleObject::childInserted);
+    QSignalSpy watchedCleared(&watched, &ModuleObject::cleared);
+    watched.copyFrom(&sender, &pallet);
+    QCOMPARE(inserted.count(), 3);
+    QCOMPARE(watchedCleared.count(), 0);
+    watched.copyFrom(&sender, &pallet);
+    QCOMPARE(inserted.count(), 6);
+    QCOMPARE(watchedCleared.count(), 1);
+    QVERIFY(watched.equals(&pallet));
+}
+
+void TestModuleObject::mixedTreesCopyCompareAndSerialise()
+{
+    ModuleObject built("pallet");
+    buildPallet(&built);
+    ModuleObject mixed("pallet");
+    QVERIFY(loadPallet(&mixed));
+    QCOMPARE(mixed.r("points.#0.wobj.trans.#2")->getDouble(), 3.5);
+    QCOMPARE(mixed.r("pattern")->cmobjCount(), 2);
+
+    QVERIFY(mixed.equals(&built));
+    QVERIFY(built.equals(&mixed));
+    QCOMPARE(mixed.exportToJson(false), built.exportToJson(false));
+    QCOMPARE(ModuleManager::toXml(&mixed, false), ModuleManager::toXml(&built, false));
+
+    ModuleObject copy("copy");
+    copy.copyFrom(nullptr, &mixed);
+    QCOMPARE(copy.name(), QStringLiteral("copy"));
+    QVERIFY(copy.equals(&built));
+    QCOMPARE(copy.exportToJson(), built.exportToJson());
+
+    // A copy read back from its own JSON and XML text is the same tree.
+    ModuleObject fromJson;
+    QVERIFY(fromJson.importFromJson(nullptr, copy.exportToJson()));
+    QVERIFY(fromJson.equals(&built));
+    ModuleObject fromXml;
+    QVERIFY(ModuleManager::fromXml(nullptr, &fromXml, ModuleManager::toXml(&mixed, true)));
+    QVERIFY(fromXml.equals(&built));
+
+    // A difference deep in a compact part is seen from either side.
+    built.set(nullptr, "points.#1.wobj.rot.#2", 1.0000000000000002);
+    QVERIFY(!mixed.equals(&built));
+    QVERIFY(!built.equals(&mixed));
+    QVERIFY(!copy.equals(&built));
+    QVERIFY(copy.equals(&mixed));
+
+    // Variants carry the same content.
+    ModuleObject viaVariant;
+    viaVariant.importFromVariant(nullptr, QVariant::fromValue(&mixed));
+    QVERIFY(viaVariant.equals(&mixed));
+    QCOMPARE(viaVariant.exportToVariant(), mixed.exportToVariant());
+}
+
+void TestModuleObject::copiesOfCompactTreesStayIndependent()
+{
+    ModuleObject original("pallet");
+    QVERIFY(loadPallet(&original));
+    const QByteArray text = original.exportToJson();
+    ModuleObject first;
+    ModuleObject second;
+    first.copyFrom(nullptr, &original);
+    second.copyFrom(nullptr, &first);
+
+    first.set(nullptr, "points.#0.wobj.trans.#0", 100.0);
+    second.r("points.#1.wobj.rot")->set(nullptr, "#1", 200.0);
+    original.c("points")->remove(nullptr, 0);
+    QCOMPARE(first.r("points.#0.wobj.trans.#0")->getDouble(), 100.0);
+    QCOMPARE(first.r("points.#1.wobj.rot.#1")->getDouble(), 0.0);
+    QCOMPARE(second.r("points.#0.wobj.trans.#0")->getDouble(), 1.5);
+    QCOMPARE(second.r("points.#1.wobj.rot.#1")->getDouble(), 200.0);
+    QCOMPARE(original.r("points")->cmobjCount(), 1);
+
+    ModuleObject fresh;
+    QVERIFY(fresh.importFromJson(nullptr, text));
+    QCOMPARE(fresh.r("points")->cmobjCount(), 2);
+    first.copyFrom(nullptr, &fresh);
+    QVERIFY(first.equals(&fresh));
+    QVERIFY(!first.equals(&second));
+
+    // A copy of a subtree into itself.
+    first.copyFrom(nullptr, first.r("points.#1"));
+    QCOMPARE(first.cmobjNames(false), QStringList{"wobj"});
+    QCOMPARE(first.r("wobj.trans.#2")->getDouble(), 6.5);
+}
+
+void TestModuleObject::overlayOntoCompactTree()
+{
+    // A layout with defaults, read from text (compact), overlaid with a record.
+    ModuleObject layout("pallet");
+    QVERIFY(layout.importFromJson(nullptr, R"({"name":"","desc":"-","pattern":{"row":1,"col":1,"s_type":false},)"
+                                           R"("points":[{"a":1},{"a":2}]})"));
+    ModuleObject record;
+    QVERIFY(record.importFromJson(nullptr, R"({"pattern":{"col":4,"extra":1},"name":"p","points":[{"b":3}],"new":5})"));
+    ModuleObject objects("pallet");
+    QVERIFY(objects.importFromJson(nullptr, layout.exportToJson()));
+    objects.cmobjs(true);
+    QVERIFY(objects.equals(&layout));
+
+    QObject sender;
+    ModuleObject *pattern = layout.c("pattern");
+    QSignalSpy patternInserted(pattern, &ModuleObject::childInserted);
+    layout.overlayFrom(&sender, &record);
+    objects.overlayFrom(&sender, &record);
+    QVERIFY(layout.equals(&objects));
+    QCOMPARE(layout.exportToJson(), objects.exportToJson());
+    QCOMPARE(layout.cmobjNames(false), (QStringList{"name", "desc", "pattern", "points", "new"}));
+    QCOMPARE(layout.r("pattern.col")->getInt(), 4);
+    QCOMPARE(layout.r("pattern.row")->getInt(), 1);
+    QCOMPARE(patternInserted.count(), 1);
+    QCOMPARE(patternInserted.at(0).at(0).value<ModuleObject *>(), pattern->c("extra"));
+    QCOMPARE(layout.r("points")->size(), 1);
+    QCOMPARE(layout.r("points.#0.b")->getInt(), 3);
+    QVERIFY(layout.r("points.#0.a")->isEmpty());
+    QCOMPARE(record.exportToJson(), QByteArray(R"({"pattern":{"col":4,"extra":1},"name":"p","points":[{"b":3}],"new":5})"));
+}
+
+void TestModuleObject::takeInsertRemoveOnCompactParent()
+{
+    ModuleObject pallet("pallet");
+    QVERIFY(loadPallet(&pallet));
+    ModuleObject other("other");
+    QVERIFY(loadPallet(&other));
+    QObject sender;
+
+    // A node that is not a child is refused without touching the parent.
+    ModuleObject stranger;
+    QCOMPARE(pallet.take(&sender, &stranger), nullptr);
+    QVERIFY(!pallet.remove(&sender, &stranger));
+    QCOMPARE(pallet.take(&sender, 3), nullptr);
+    QVERIFY(!pallet.remove(&sender, -1));
+    QCOMPARE(pallet.cmobjCount(), 3);
+
+    // Insert at the front of a compact parent: positions and names follow.
+    ModuleObject *moved = other.r("points.#1");
+    QSignalSpy otherRemoved(other.c("points"), &ModuleObject::childRemoved);
+    QCOMPARE(pallet.insert(&sender, 0, moved), moved);
+    QCOMPARE(otherRemoved.count(), 1);
+    QCOMPARE(moved->p(0), &pallet);
+    QCOMPARE(pallet.cmobjNames(false), (QStringList{"#1", "name", "points", "pattern"}));
+    for (int i = 0; i < pallet.cmobjCount(); ++i)
+        QCOMPARE(pallet.c(i)->indexInPmobj(), i);
+    QCOMPARE(pallet.r("#1.wobj.trans.#0")->getDouble(), 4.5);
+    QCOMPARE(other.r("points")->cmobjCount(), 1);
+
+    // Take and remove by position on a parent whose children are still compact.
+    ModuleObject *points = pallet.c("points");
+    QSignalSpy removed(points, &ModuleObject::childRemoved);
+    std::unique_ptr<ModuleObject> first(points->take(&sender, 0));
+    QVERIFY(first);
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(first->r("wobj.rot.#2")->getDouble(), 0.5);
+    QCOMPARE(points->c(0)->r("wobj.trans.#2")->getDouble(), 6.5);
+    QCOMPARE(points->c(0)->indexInPmobj(), 0);
+    ModuleObject *pattern = pallet.c("pattern");
+    QVERIFY(pattern->remove(&sender, 1));
+    QCOMPARE(pattern->cmobjNames(), QStringList{"row"});
+
+    // The taken node goes back in, compact subtree and all.
+    QCOMPARE(points->append(&sender, first.get()), first.get());
+    ModuleObject *back = first.release();
+    QCOMPARE(back->indexInPmobj(), 1);
+    QCOMPARE(points->c(1)->r("wobj.rot.#2")->getDouble(), 0.5);
+    // A fresh child appended to a compact node lands after the existing ones.
+    ModuleObject *wobj = pallet.r("points.#0.wobj");
+    QCOMPARE(wobj->append(&sender, "near")->indexInPmobj(), 2);
+    QCOMPARE(wobj->cmobjNames(), (QStringList{"trans", "rot", "near"}));
+}
+
+void TestModuleObject::clearOnCompactParent()
+{
+    ModuleObject pallet("pallet");
+    QVERIFY(loadPallet(&pallet));
+    QObject sender;
+    ModuleObject *points = pallet.c("points");
+    ModuleObject *pattern = pallet.c("pattern");
+    QSignalSpy palletCleared(&pallet, &ModuleObject::cleared);
+    QSignalSpy pointsCleared(points, &ModuleObject::cleared);
+    QSignalSpy patternCleared(pattern, &ModuleObject::cleared);
+    QPointer<ModuleObject> guard(points);
+    const qint64 before = ModuleObject::liveObjects();
+    pallet.clear(&sender, true, true);
+    QCOMPARE(palletCleared.count(), 1);
+    QCOMPARE(pointsCleared.count(), 1);
+    QCOMPARE(patternCleared.count(), 1);
+    QVERIFY(guard.isNull());
+    QCOMPARE(ModuleObject::liveObjects(), before - 3);
+    QVERIFY(pallet.isNull());
+    QCOMPARE(pallet.cmobjCount(), 0);
+
+    // Clearing a compact node that was never opened, and an empty one.
+    QVERIFY(loadPallet(&pallet));
+    pallet.clear(&sender);
+    QCOMPARE(palletCleared.count(), 2);
+    pallet.clear(&sender);
+    QCOMPARE(palletCleared.count(), 2);
+    QVERIFY(pallet.r("points")->isEmpty());
+}
+
+void TestModuleObject::deletingParentWithCompactChildren()
+{
+    const qint64 before = ModuleObject::liveObjects();
+    auto *pallet = new ModuleObject("pallet");
+    QVERIFY(loadPallet(pallet));
+    QPointer<ModuleObject> place = pallet->r("points.#1");
+    QPointer<ModuleObject> row = pallet->r("pattern.row");
+    QSignalSpy placeGone(place.data(), &QObject::destroyed);
+    delete pallet;
+    QVERIFY(place.isNull());
+    QVERIFY(row.isNull());
+    QCOMPARE(placeGone.count(), 1);
+    QCOMPARE(ModuleObject::liveObjects(), before);
+
+    // A taken node with compact children outlives its former parent.
+    auto *parent = new ModuleObject("parent");
+    QVERIFY(loadPallet(parent));
+    std::unique_ptr<ModuleObject> taken(parent->take(nullptr, 1));
+    delete parent;
+    QCOMPARE(taken->r("#0.wobj.trans.#1")->getDouble(), 2.5);
+    QCOMPARE(taken->p(0), ModuleManager::emptyMobj());
+}
+
+void TestModuleObject::duplicateNamesInCompactTree()
+{
+    // Built node by node (the readers refuse duplicate keys); a copy keeps its children compact.
+    ModuleObject objects;
+    objects.append(nullptr, "a")->setValue(nullptr, 1);
+    objects.append(nullptr, "b")->set(nullptr, "x", 1);
+    objects.append(nullptr, "a")->setValue(nullptr, 2);
+    objects.append(nullptr, "#0")->setValue(nullptr, 3);
+    ModuleObject compact;
+    const qint64 before = ModuleObject::liveObjects();
+    compact.copyFrom(nullptr, &objects);
+    QCOMPARE(ModuleObject::liveObjects(), before);
+
+    compact.set(nullptr, "a", 10);
+    objects.set(nullptr, "a", 10);
+    compact.set(nullptr, "b.x", 5);
+    objects.set(nullptr, "b.x", 5);
+    QCOMPARE(ModuleObject::liveObjects(), before);
+    QVERIFY(compact.equals(&objects));
+    QCOMPARE(compact.c(0)->getInt(), 10);
+    QCOMPARE(compact.c(2)->getInt(), 2);
+    QCOMPARE(compact.r("#0")->getInt(), 3);
+    QCOMPARE(compact.cmobjNames(true), (QStringList{"a", "b", "b.x", "a", "#0"}));
 }
 
 QTEST_GUILESS_MAIN(TestModuleObject)

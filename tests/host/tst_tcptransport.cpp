@@ -112,6 +112,7 @@ private slots:
     void reconnectsAfterServerDrop();
     void connectsOnceServerAppears();
     void oversizedLineDropsLink();
+    void lineAtCapIsAccepted();
     void eventsReachWatchNode();
     void pingsWhenIdle();
     void deadLinkIsDropped();
@@ -236,9 +237,33 @@ void TestTcpTransport::oversizedLineDropsLink()
 {
     connectTransport();
     QSignalSpy down(m_transport, &orbat::Transport::disconnected);
-    const QByteArray flood(orbat::Transport::maxLineBytes() + 1024, 'x');
+    // One byte over the cap, newline included in the send: the line is refused whole.
+    QByteArray flood(orbat::Transport::maxLineBytes() + 1, 'x');
+    flood.append('\n');
     run([flood](LineServer *s) { s->sendToClients(flood); });
-    QTRY_COMPARE_WITH_TIMEOUT(down.count(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(down.count(), 1, 20000);
+}
+
+// An event line of exactly the cap (the longest legitimate line is a whole pallet list) arrives.
+void TestTcpTransport::lineAtCapIsAccepted()
+{
+    connectTransport();
+    orba::ModuleObject *node = tservice()->watchNode("big.value");
+    QSignalSpy changed(node, &orba::ModuleObject::changed);
+    QSignalSpy down(m_transport, &orbat::Transport::disconnected);
+    const QByteArray head = "{\"event\":\"big.value\",\"data\":\"";
+    const QByteArray tail = "\"}";
+    QByteArray line = head;
+    line.append(QByteArray(orbat::Transport::maxLineBytes() - head.size() - tail.size(), 'y'));
+    line.append(tail);
+    QCOMPARE(line.size(), orbat::Transport::maxLineBytes());
+    line.append('\n');
+    run([line](LineServer *s) { s->sendToClients(line); });
+    QTRY_COMPARE_WITH_TIMEOUT(changed.count(), 1, 20000);
+    QCOMPARE(node->getString().size(), orbat::Transport::maxLineBytes() - head.size() - tail.size());
+    QCOMPARE(down.count(), 0);
+    QVERIFY(m_transport->isConnected());
+    QCOMPARE(tservice()->execCommand(this, "sys.id")->getInt(-1), 0);
 }
 
 void TestTcpTransport::eventsReachWatchNode()

@@ -1,3 +1,4 @@
+#include <orba/json.h>
 #include <orba/modulemanager.h>
 #include <orba/moduleobject.h>
 
@@ -9,8 +10,11 @@
 #include <QtTest>
 
 #include <cmath>
+#include <csignal>
 #include <cstring>
 #include <limits>
+
+#include <sys/resource.h>
 
 using orba::ModuleManager;
 using orba::ModuleObject;
@@ -209,6 +213,21 @@ private slots:
     void plainAndGeneralFormsReadAlike();
     void capHoldsHundredFullPallets();
     void documentAtCapAccepted();
+    void namesAndValuesReadBackExactly_data();
+    void namesAndValuesReadBackExactly();
+    void badNameEncodingRejected_data();
+    void badNameEncodingRejected();
+    void failedWriteKeepsPreviousFile_data();
+    void failedWriteKeepsPreviousFile();
+    void ioErrorKeepsPreviousFile();
+    void nodeBudget_data();
+    void nodeBudget();
+    void nodeBudgetAtRealLimit();
+    void manyAttributesRefused_data();
+    void manyAttributesRefused();
+    void errorsQuoteShortExcerpts_data();
+    void errorsQuoteShortExcerpts();
+    void negativeNanKeepsSign();
 };
 
 void TestXml::init()
@@ -601,6 +620,374 @@ void TestXml::documentAtCapAccepted()
     xml.append(' ');
     QVERIFY(!ModuleManager::fromXml(nullptr, &target, xml, &error));
     QVERIFY(error.contains(QLatin1String("limit")));
+}
+
+void TestXml::namesAndValuesReadBackExactly_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("lone high surrogate") << QString(QChar(0xD800));
+    QTest::newRow("lone low surrogate") << QString(QChar(0xDC00));
+    QTest::newRow("high surrogate at the end") << QStringLiteral("ab") + QChar(0xDBFF);
+    QTest::newRow("two high surrogates and a low one") << QString(QChar(0xD800)) + QChar(0xD800) + QChar(0xDC00);
+    QTest::newRow("U+0001") << QString(QChar(0x0001));
+    QTest::newRow("nul inside") << QStringLiteral("a") + QChar(0) + QStringLiteral("b");
+    QTest::newRow("U+FFFE") << QString(QChar(0xFFFE));
+    QTest::newRow("U+FFFF and text") << QStringLiteral("x") + QChar(0xFFFF) + QStringLiteral(" <y> & \"z\"");
+    QTest::newRow("escape and tab") << QStringLiteral("\x1b[31m\tred");
+    QTest::newRow("line ends only") << QStringLiteral("\r\n\r");
+    QTest::newRow("looks like base64") << QStringLiteral("AQA=");
+    QTest::newRow("leading U+FEFF") << QString(QChar(0xFEFF)) + QStringLiteral("pallet");
+    QTest::newRow("two leading U+FEFF") << QString(QChar(0xFEFF)) + QChar(0xFEFF);
+}
+
+// Names and string values with characters XML 1.0 cannot carry come back exactly, through both
+// readers, and a name that needs nothing special keeps its plain form.
+void TestXml::namesAndValuesReadBackExactly()
+{
+    QFETCH(QString, text);
+    ModuleObject tree("root");
+    tree.append(nullptr, text)->setValue(nullptr, 1);
+    tree.append(nullptr, QStringLiteral("value"))->setValue(nullptr, text);
+    ModuleObject *both = tree.append(nullptr, text + text);
+    both->setValue(nullptr, text);
+    both->append(nullptr, text)->setValue(nullptr, -0.0);
+    tree.append(nullptr, QStringLiteral("plain"))->setValue(nullptr, 2);
+
+    QTemporaryDir dir;
+    for (const bool indent : {true, false}) {
+        const QByteArray xml = ModuleManager::toXml(&tree, indent);
+        QVERIFY(xml.contains("<node name=\"plain\" type=\"int\">2</node>"));
+        ModuleObject back;
+        QString error;
+        QVERIFY2(ModuleManager::fromXml(nullptr, &back, xml, &error), qPrintable(error));
+        QVERIFY2(back.equals(&tree), xml.constData());
+        QCOMPARE(back.c(0)->name(), text);
+
+        QByteArray general = xml;
+        general.insert(general.indexOf("<node"), "<!-- the general reader -->");
+        ModuleObject other;
+        QVERIFY2(ModuleManager::fromXml(nullptr, &other, general, &error), qPrintable(error));
+        QVERIFY2(other.equals(&tree), general.constData());
+
+        const QString path = dir.filePath(QStringLiteral("names.xml"));
+        QVERIFY2(ModuleManager::writeToXmlFile(path, &tree, indent, indent), qPrintable(ModuleManager::lastError()));
+        ModuleObject file;
+        QVERIFY2(ModuleManager::readFromXmlFile(nullptr, &file, path), qPrintable(ModuleManager::lastError()));
+        QVERIFY(file.equals(&tree));
+    }
+}
+
+void TestXml::badNameEncodingRejected_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+
+    QTest::newRow("unknown name encoding")
+        << QByteArray("<node type=\"null\"><node name=\"AQA=\" name-encoding=\"rot13\" type=\"int\">1</node></node>");
+    QTest::newRow("not base64")
+        << QByteArray("<node type=\"null\"><node name=\"@@@\" name-encoding=\"utf16-base64\" type=\"int\">1</node></node>");
+    QTest::newRow("odd byte count")
+        << QByteArray("<node type=\"null\"><node name=\"AQ==\" name-encoding=\"utf16-base64\" type=\"int\">1</node></node>");
+    QTest::newRow("bad root name")
+        << QByteArray("<node name=\"%%\" name-encoding=\"utf16-base64\" type=\"int\">1</node>");
+}
+
+void TestXml::badNameEncodingRejected()
+{
+    QFETCH(QByteArray, xml);
+    for (const bool general : {false, true}) {
+        QByteArray text = xml;
+        if (general)
+            text.prepend("<!-- the general reader -->");
+        ModuleObject target;
+        target.setValue(nullptr, 5);
+        QString error;
+        QVERIFY(!ModuleManager::fromXml(nullptr, &target, text, &error));
+        QVERIFY2(error.contains(QLatin1String("name")), qPrintable(error));
+        QCOMPARE(target.getInt(), 5);
+        QCOMPARE(target.cmobjCount(), 0);
+    }
+}
+
+namespace {
+
+QByteArray fileBytes(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
+
+// A file a previous export left: the writes below must not touch it when they fail.
+QByteArray writeGoodFile(const QString &path)
+{
+    ModuleObject good("good");
+    good.set(nullptr, "a", 1);
+    good.set(nullptr, "b", QStringLiteral("kept"));
+    ModuleManager::writeToXmlFile(path, &good, true, true);
+    return fileBytes(path);
+}
+
+} // namespace
+
+void TestXml::failedWriteKeepsPreviousFile_data()
+{
+    QTest::addColumn<int>("tree");
+    QTest::addColumn<bool>("atomic");
+    QTest::addColumn<QString>("reason");
+
+    for (const bool atomic : {true, false}) {
+        const QString form = atomic ? QStringLiteral("atomic") : QStringLiteral("in place");
+        QTest::newRow(qPrintable(form + QStringLiteral(", nested too deep"))) << 0 << atomic << "deeper than 256";
+        QTest::newRow(qPrintable(form + QStringLiteral(", value the form has no type for")))
+            << 1 << atomic << "QPointF";
+    }
+}
+
+// A tree whose file would not read back is not written at all.
+void TestXml::failedWriteKeepsPreviousFile()
+{
+    QFETCH(int, tree);
+    QFETCH(bool, atomic);
+    QFETCH(QString, reason);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("tray.xml"));
+    const QByteArray before = writeGoodFile(path);
+    QVERIFY(before.contains("kept"));
+
+    ModuleObject root("list");
+    if (tree == 0) {
+        ModuleObject *n = &root;
+        for (int i = 1; i < ModuleManager::maxDepth(); ++i)
+            n = n->append(nullptr, QStringLiteral("n"));
+        // Exactly the limit is written and read back; one level more is not.
+        QVERIFY2(ModuleManager::writeToXmlFile(dir.filePath(QStringLiteral("deep.xml")), &root, true, atomic),
+                 qPrintable(ModuleManager::lastError()));
+        ModuleObject back;
+        QVERIFY2(ModuleManager::readFromXmlFile(nullptr, &back, dir.filePath(QStringLiteral("deep.xml"))),
+                 qPrintable(ModuleManager::lastError()));
+        QVERIFY(back.equals(&root));
+        QVERIFY(QFile::remove(dir.filePath(QStringLiteral("deep.xml"))));
+        QVERIFY(ModuleManager::readFromXmlFile(nullptr, &back, path));
+        n->append(nullptr, QStringLiteral("one too many"));
+    } else {
+        root.set(nullptr, "pallet.#0.name", QStringLiteral("p"));
+        root.set(nullptr, "pallet.#0.corner", QVariant(QPointF(1, 2)));
+    }
+    QVERIFY(!ModuleManager::writeToXmlFile(path, &root, true, atomic));
+    const QString error = ModuleManager::lastError();
+    QVERIFY2(error.contains(path) && error.contains(reason), qPrintable(error));
+    if (tree == 1)
+        QVERIFY2(error.contains(QLatin1String("pallet.#0.corner")), qPrintable(error));
+    QCOMPARE(fileBytes(path), before);
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"tray.xml"});
+}
+
+// A write that fails half way (here the file size limit of the process, as a full disk would)
+// is reported, and the atomic form keeps the previous file.
+void TestXml::ioErrorKeepsPreviousFile()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("tray.xml"));
+    const QByteArray before = writeGoodFile(path);
+    ModuleObject big("list");
+    buildPallet(&big, 200);
+    QVERIFY(ModuleManager::toXml(&big).size() > 256 * 1024);
+
+    struct rlimit old;
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit small = old;
+    small.rlim_cur = 64 * 1024;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool atomicWritten = ModuleManager::writeToXmlFile(path, &big, true, true);
+    const QString atomicError = ModuleManager::lastError();
+    const bool inPlaceWritten = ModuleManager::writeToXmlFile(dir.filePath(QStringLiteral("other.xml")), &big, true,
+                                                              false);
+    const QString inPlaceError = ModuleManager::lastError();
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+
+    QVERIFY(!atomicWritten);
+    QVERIFY2(atomicError.startsWith(QStringLiteral("cannot write %1: ").arg(path)), qPrintable(atomicError));
+    QCOMPARE(fileBytes(path), before);
+    QVERIFY(!inPlaceWritten);
+    QVERIFY2(inPlaceError.contains(QLatin1String("other.xml")), qPrintable(inPlaceError));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
+             (QStringList{QStringLiteral("other.xml"), QStringLiteral("tray.xml")}));
+}
+
+namespace {
+
+// A root with count - 1 children, in the writer's form or (general) with a comment in front.
+QByteArray flatDocument(qint64 count, bool general)
+{
+    QByteArray xml(general ? "<!-- the general reader --><node type=\"null\">" : "<node type=\"null\">");
+    xml.reserve(int(count * 7 + 64));
+    for (qint64 i = 1; i < count; ++i)
+        xml.append("<node/>", 7);
+    xml.append("</node>");
+    return xml;
+}
+
+} // namespace
+
+void TestXml::nodeBudget_data()
+{
+    QTest::addColumn<bool>("general");
+    QTest::newRow("writer's form") << false;
+    QTest::newRow("general reader") << true;
+}
+
+void TestXml::nodeBudget()
+{
+    QFETCH(bool, general);
+    const qint64 budget = 1000;
+    ModuleObject target;
+    target.setValue(nullptr, 5);
+    QString error;
+    QVERIFY2(ModuleManager::fromXml(nullptr, &target, flatDocument(budget, general), &error, budget), qPrintable(error));
+    QCOMPARE(target.cmobjCount(), int(budget - 1));
+
+    target.clear(nullptr);
+    target.setValue(nullptr, 5);
+    QVERIFY(!ModuleManager::fromXml(nullptr, &target, flatDocument(budget + 1, general), &error, budget));
+    QCOMPARE(error, QStringLiteral("the document has more than 1000 nodes"));
+    QCOMPARE(ModuleManager::lastError(), error);
+    QCOMPARE(target.getInt(), 5);
+    QCOMPARE(target.cmobjCount(), 0);
+
+    // Deep rather than wide counts the same.
+    QByteArray deep;
+    for (int i = 0; i < 200; ++i)
+        deep += "<node>";
+    for (int i = 0; i < 200; ++i)
+        deep += "</node>";
+    if (general)
+        deep.prepend("<?xml version=\"1.0\"?><!-- x -->");
+    QVERIFY(ModuleManager::fromXml(nullptr, &target, deep, &error, 200));
+    QVERIFY(!ModuleManager::fromXml(nullptr, &target, deep, &error, 199));
+    QVERIFY2(error.contains(QLatin1String("more than 199 nodes")), qPrintable(error));
+}
+
+// A file just over the real budget (8 M elements in 56 MB) is refused, by either reader, and the
+// file reader says so with the file's name.
+void TestXml::nodeBudgetAtRealLimit()
+{
+    const qint64 budget = orba::json::maxJsonNodes();
+    QTemporaryDir dir;
+    for (const bool general : {false, true}) {
+        const QString path = dir.filePath(QStringLiteral("budget.xml"));
+        {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            QVERIFY(f.write(flatDocument(budget + 1, general)) > 0);
+        }
+        ModuleObject target;
+        target.setValue(nullptr, 5);
+        QVERIFY(!ModuleManager::readFromXmlFile(nullptr, &target, path));
+        QCOMPARE(ModuleManager::lastError(),
+                 QStringLiteral("%1: the document has more than %2 nodes").arg(path).arg(budget));
+        QCOMPARE(target.getInt(), 5);
+        QCOMPARE(target.cmobjCount(), 0);
+    }
+}
+
+void TestXml::manyAttributesRefused_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<bool>("accepted");
+
+    auto element = [](int attributes) {
+        QByteArray xml = "<node type=\"null\"><node name=\"a\" type=\"int\"";
+        for (int i = 2; i < attributes; ++i)
+            xml += " x" + QByteArray::number(i) + "='>'";
+        return xml + ">1</node></node>";
+    };
+    QTest::newRow("eight attributes") << element(8) << true;
+    QTest::newRow("nine attributes") << element(9) << false;
+    QTest::newRow("100000 attributes") << element(100000) << false;
+    QTest::newRow("100000 attributes after a comment") << QByteArray("<!-- -->") + element(100000) << false;
+    QTest::newRow("in a comment it does not count")
+        << QByteArray("<!-- <x a=1 b=2 c=3 d=4 e=5 f=6 g=7 h=8 i=9> --><node type=\"int\">1</node>") << true;
+}
+
+// The general reader's time grows with the square of an element's attributes: more than the
+// form uses are refused before it starts.
+void TestXml::manyAttributesRefused()
+{
+    QFETCH(QByteArray, xml);
+    QFETCH(bool, accepted);
+    ModuleObject target;
+    QString error;
+    QCOMPARE(ModuleManager::fromXml(nullptr, &target, xml, &error), accepted);
+    if (!accepted)
+        QVERIFY2(error.contains(QLatin1String("an element with more than 8 attributes")), qPrintable(error));
+    else
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+}
+
+void TestXml::errorsQuoteShortExcerpts_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<QString>("quoted");
+
+    const QByteArray big(1024 * 1024, 'x');
+    const QString start = QString(QLatin1String(big.left(64))) + QStringLiteral("...");
+    QTest::newRow("bad int") << "<node type=\"int\">" + big + "</node>" << start;
+    QTest::newRow("bad double") << "<node type=\"double\">" + big + "</node>" << start;
+    QTest::newRow("bad bool") << "<node type=\"bool\">" + big + "</node>" << start;
+    QTest::newRow("unknown type") << "<node type=\"" + big + "\"/>" << start;
+    QTest::newRow("unknown encoding") << "<node type=\"string\" encoding=\"" + big + "\"/>" << start;
+    QTest::newRow("unknown name encoding") << "<node name-encoding=\"" + big + "\"/>" << start;
+    // The general reader itself refuses names over 4 KiB.
+    QTest::newRow("unknown element") << "<" + big.left(4000) + "/>" << start;
+    QTest::newRow("mismatched end tag") << "<node type=\"null\"></" + big + ">" << QString();
+    QTest::newRow("bad int, general reader") << "<!-- -->\n<node type=\"int\">\n" + big + "</node>"
+                                             << QStringLiteral("\n") + start.mid(1);
+    QTest::newRow("bad int with a surrogate pair at the cut")
+        << "<node type=\"int\">" + big.left(63) + "\xf0\x9f\x98\x80" + big + "</node>"
+        << QString(QLatin1String(big.left(63))) + QStringLiteral("...");
+}
+
+void TestXml::errorsQuoteShortExcerpts()
+{
+    QFETCH(QByteArray, xml);
+    QFETCH(QString, quoted);
+    ModuleObject target;
+    QString error;
+    QVERIFY(!ModuleManager::fromXml(nullptr, &target, xml, &error));
+    QVERIFY2(error.size() < 300, qPrintable(error.left(300)));
+    if (!quoted.isEmpty())
+        QVERIFY2(error.contains(quoted), qPrintable(error));
+}
+
+void TestXml::negativeNanKeepsSign()
+{
+    const double negative = std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0);
+    const double positive = std::numeric_limits<double>::quiet_NaN();
+    ModuleObject node("n");
+    node.set(nullptr, "neg", negative);
+    node.set(nullptr, "pos", positive);
+    for (const bool indent : {true, false}) {
+        const QByteArray xml = ModuleManager::toXml(&node, indent);
+        QVERIFY(xml.contains("<node name=\"neg\" type=\"double\">-nan</node>"));
+        QVERIFY(xml.contains("<node name=\"pos\" type=\"double\">nan</node>"));
+        for (const bool general : {false, true}) {
+            QByteArray text = xml;
+            if (general)
+                text.insert(text.indexOf("<node"), "<!-- the general reader -->");
+            ModuleObject back;
+            QString error;
+            QVERIFY2(ModuleManager::fromXml(nullptr, &back, text, &error), qPrintable(error));
+            QVERIFY(back.equals(&node));
+            const double n = back.r("neg")->getDouble();
+            const double p = back.r("pos")->getDouble();
+            QVERIFY(std::isnan(n) && std::signbit(n));
+            QVERIFY(std::isnan(p) && !std::signbit(p));
+            QVERIFY(std::memcmp(&n, &negative, sizeof n) == 0);
+            QVERIFY(std::memcmp(&p, &positive, sizeof p) == 0);
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestXml)

@@ -13,6 +13,8 @@
 namespace orba {
 
 class ModuleObject;
+// Internal: a child kept in compact form inside its parent until someone asks for a pointer to it.
+struct LightNode;
 
 // Owning handle for free-standing nodes handed out by the host (command replies, working copies).
 using MobjPtr = std::unique_ptr<ModuleObject>;
@@ -34,6 +36,12 @@ using MobjPtr = std::unique_ptr<ModuleObject>;
  *
  * "#i" lookups are O(1): a child named "#i" that sits at position i is found by index; any other
  * name goes through a per-node hash that is kept in step with structural edits.
+ *
+ * Storage: children that were never handed out are kept in a compact form inside their parent and
+ * become ModuleObjects, one level at a time, on the first call that returns a pointer to one of
+ * them. Nobody can listen to a node that has no object yet, so this is invisible from outside;
+ * whole-tree operations (copy, overlay, compare, export, serialisers) work on the compact form
+ * directly.
  */
 class ORBACORE_EXPORT ModuleObject : public QObject
 {
@@ -69,7 +77,7 @@ public:
 
     QList<ModuleObject *> cmobjs(bool recursive = false) const;
     QStringList cmobjNames(bool recursive = false) const;
-    int cmobjCount() const { return int(m_children.size()); }
+    int cmobjCount() const;
     // Element count of an array (same as cmobjCount(): arrays are nodes whose children are "#i").
     int size() const { return cmobjCount(); }
     int indexInPmobj() const;
@@ -144,6 +152,9 @@ public:
     // Structural equality: names, order, value types and values (doubles compared bit for bit).
     bool equals(const ModuleObject *other) const;
 
+    // Node objects alive in the process (children kept compact are not counted): for diagnostics.
+    static qint64 liveObjects();
+
 signals:
     void changed(const QVariant &newValue, const QVariant &oldValue, QObject *sender);
     void childInserted(orba::ModuleObject *child, int index, QObject *sender);
@@ -153,17 +164,24 @@ signals:
 private:
     friend class ModuleManager;
     friend class ModuleObjectPrivate;
+    friend class NodeRef;
     ModuleObject *childByName(const QString &name) const;
     ModuleObject *ensureChild(QObject *sender, const QString &name, bool notify);
     void attach(int index, ModuleObject *node);
     void detach(ModuleObject *node);
     void reindexFrom(int index);
     void rebuildNameIndex() const;
+    // Turns the compact children into objects (one level); a no-op when there are none.
+    void materialise() const;
+    // Whether anything is connected to childInserted (inserting unseen children needs no objects).
+    bool hasInsertListener() const;
 
     QString m_name;
     QVariant m_value;
     ModuleObject *m_parent = nullptr;
-    QVector<ModuleObject *> m_children;
+    // At most one of the two holds the children.
+    mutable QVector<ModuleObject *> m_children;
+    mutable QVector<LightNode> m_compact;
     int m_index = -1;
     mutable QHash<QString, ModuleObject *> m_byName;
     mutable bool m_byNameValid = true;

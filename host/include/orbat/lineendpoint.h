@@ -26,6 +26,9 @@ public slots:
     virtual void receiveLine(const QByteArray &line) = 0;
     // The client went away: stop whatever the connection started (motion stops on disconnect).
     virtual void clientClosed() = 0;
+    // The client came back after clientClosed(): serve it again as a new connection. An endpoint
+    // that never serves a second connection keeps the default and stays closed.
+    virtual void clientOpened() {}
 
 signals:
     // A reply or event line to the client.

@@ -32,7 +32,9 @@ public:
     explicit Transport(QObject *parent = nullptr);
     ~Transport() override;
 
-    static constexpr int maxLineBytes() { return 16 * 1024 * 1024; }
+    // Above the longest legitimate line, the whole pallet list of 100 pallets of 1200 places in one
+    // "tray.data" reply or write (about 105 MB).
+    static constexpr int maxLineBytes() { return 256 * 1024 * 1024; }
 
     virtual bool isConnected() const = 0;
     // Starts connecting (or reconnecting); connected() follows when the link is up.

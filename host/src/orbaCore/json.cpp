@@ -4,6 +4,9 @@
 #include "numbers_p.h"
 #include "orba/moduleobject.h"
 
+#include <QSet>
+#include <QVarLengthArray>
+
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -81,7 +84,7 @@ bool isReservedString(const QString &s)
 {
     return s.startsWith(QLatin1Char('@'))
            && (s == QLatin1String("@inf") || s == QLatin1String("@-inf") || s == QLatin1String("@nan")
-               || s.startsWith(QLatin1String("@@")));
+               || s == QLatin1String("@-nan") || s.startsWith(QLatin1String("@@")));
 }
 
 void newline(QByteArray &out, bool compact, int level)
@@ -93,7 +96,7 @@ void newline(QByteArray &out, bool compact, int level)
 }
 
 void writeVariant(QByteArray &out, const QVariant &v, bool compact, int level);
-void writeNode(QByteArray &out, const ModuleObject *node, bool compact, int level);
+void writeNode(QByteArray &out, NodeRef node, bool compact, int level);
 
 void writeScalar(QByteArray &out, const QVariant &v, bool compact, int level)
 {
@@ -132,7 +135,7 @@ void writeScalar(QByteArray &out, const QVariant &v, bool compact, int level)
     case QMetaType::Float: {
         const double d = v.toDouble();
         if (std::isnan(d))
-            out.append("\"@nan\"");
+            out.append(std::signbit(d) ? "\"@-nan\"" : "\"@nan\"");
         else if (std::isinf(d))
             out.append(d > 0 ? "\"@inf\"" : "\"@-inf\"");
         else
@@ -145,7 +148,7 @@ void writeScalar(QByteArray &out, const QVariant &v, bool compact, int level)
         return;
     }
     case QMetaType::QByteArray:
-        writeString(out, QString::fromUtf8(v.toByteArray()));
+        writeString(out, utf8Exact(v.toByteArray()));
         return;
     default:
         break;
@@ -211,7 +214,7 @@ void writeVariant(QByteArray &out, const QVariant &v, bool compact, int level)
     writeScalar(out, v, compact, level);
 }
 
-void writeNode(QByteArray &out, const ModuleObject *node, bool compact, int level)
+void writeNode(QByteArray &out, NodeRef node, bool compact, int level)
 {
     const int count = node->cmobjCount();
     if (count == 0) {
@@ -239,7 +242,7 @@ void writeNode(QByteArray &out, const ModuleObject *node, bool compact, int leve
         first = false;
     }
     for (int i = 0; i < count; ++i) {
-        const ModuleObject *child = node->c(i);
+        const NodeRef child = node->c(i);
         if (!first)
             out.append(',');
         first = false;
@@ -254,11 +257,57 @@ void writeNode(QByteArray &out, const ModuleObject *node, bool compact, int leve
 
 // ---- reader ---------------------------------------------------------------------------------
 
+// Input quoted in an error message is cut short.
+QString excerpt(const QString &s)
+{
+    constexpr int kMax = 64;
+    if (s.size() <= kMax)
+        return s;
+    int n = kMax;
+    if (QChar::isHighSurrogate(s.at(n - 1).unicode()))
+        --n;
+    return s.left(n) + QStringLiteral("...");
+}
+
+// The keys of one object seen so far. Every reader refuses a repeated key the same way: a tree
+// keeps children of the same name where a map would keep the last value only. A short object is
+// searched, a long one hashed, so an object of many keys costs no more than its keys.
+class KeySet
+{
+public:
+    // False when key was there already.
+    bool insert(const QString &key)
+    {
+        if (m_hash.isEmpty()) {
+            for (const QString &k : m_list) {
+                if (k == key)
+                    return false;
+            }
+            if (m_list.size() < kShort) {
+                m_list.append(key);
+                return true;
+            }
+            for (const QString &k : m_list)
+                m_hash.insert(k);
+        }
+        if (m_hash.contains(key))
+            return false;
+        m_hash.insert(key);
+        return true;
+    }
+
+private:
+    static constexpr int kShort = 8;
+    QVarLengthArray<QString, kShort> m_list;
+    QSet<QString> m_hash;
+};
+
 class Parser
 {
 public:
-    Parser(const QByteArray &text)
-        : m_begin(text.constData())
+    Parser(const QByteArray &text, qint64 maxNodes = maxJsonNodes())
+        : m_maxNodes(maxNodes)
+        , m_begin(text.constData())
         , m_p(text.constData())
         , m_end(text.constData() + text.size())
     {
@@ -266,7 +315,7 @@ public:
             m_p += 3;
     }
 
-    bool parseDocumentNode(ModuleObject *node)
+    bool parseDocumentNode(LightNode *node)
     {
         return parseNode(node) && finish();
     }
@@ -297,6 +346,30 @@ private:
         skipWs();
         if (m_p != m_end)
             return fail(QStringLiteral("unexpected text after the value"));
+        return true;
+    }
+
+    // Every node counts, so that a short text of empty containers cannot build a huge tree.
+    LightNode *appendNode(LightNode *parent, const QString &name)
+    {
+        if (++m_nodes > m_maxNodes) {
+            fail(QStringLiteral("more than %1 nodes").arg(m_maxNodes));
+            return nullptr;
+        }
+        return ModuleObjectPrivate::appendRaw(parent, name);
+    }
+
+    bool duplicateKey(const char *at, const QString &key)
+    {
+        m_p = at;
+        return fail(QStringLiteral("duplicate key \"%1\"").arg(excerpt(key)));
+    }
+
+    // Values of a variant count like nodes of a tree.
+    bool countValue()
+    {
+        if (++m_nodes > m_maxNodes)
+            return fail(QStringLiteral("more than %1 values").arg(m_maxNodes));
         return true;
     }
 
@@ -355,7 +428,7 @@ private:
         while (m_p < m_end) {
             const uchar ch = uchar(*m_p);
             if (ch == '"') {
-                *out = QString::fromUtf8(start, int(m_p - start));
+                *out = utf8Exact(start, int(m_p - start));
                 ++m_p;
                 return true;
             }
@@ -363,7 +436,7 @@ private:
                 break;
             ++m_p;
         }
-        QString s = QString::fromUtf8(start, int(m_p - start));
+        QString s = utf8Exact(start, int(m_p - start));
         for (;;) {
             if (m_p >= m_end)
                 return fail(QStringLiteral("unterminated string"));
@@ -378,7 +451,7 @@ private:
                 const char *runStart = m_p;
                 while (m_p < m_end && *m_p != '"' && *m_p != '\\' && uchar(*m_p) >= 0x20)
                     ++m_p;
-                s += QString::fromUtf8(runStart, int(m_p - runStart));
+                s += utf8Exact(runStart, int(m_p - runStart));
                 continue;
             }
             ++m_p;
@@ -439,6 +512,10 @@ private:
             }
             if (s == QLatin1String("@nan")) {
                 *out = std::numeric_limits<double>::quiet_NaN();
+                return true;
+            }
+            if (s == QLatin1String("@-nan")) {
+                *out = std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0);
                 return true;
             }
             if (s.startsWith(QLatin1String("@@")))
@@ -526,7 +603,7 @@ private:
         }
     }
 
-    bool parseNode(ModuleObject *node)
+    bool parseNode(LightNode *node)
     {
         skipWs();
         if (m_p >= m_end)
@@ -541,14 +618,17 @@ private:
                 --m_depth;
                 return true;
             }
-            bool haveValue = false;
+            KeySet keys;
             for (;;) {
                 skipWs();
                 if (m_p >= m_end || *m_p != '"')
                     return m_p >= m_end ? unexpected() : fail(QStringLiteral("object key expected"));
                 QString key;
+                const char *keyAt = m_p;
                 if (!parseString(&key))
                     return false;
+                if (!keys.insert(key))
+                    return duplicateKey(keyAt, key);
                 skipWs();
                 if (m_p >= m_end || *m_p != ':')
                     return m_p >= m_end ? unexpected() : fail(QStringLiteral("':' expected"));
@@ -559,15 +639,14 @@ private:
                         return unexpected();
                     if (*m_p == '{' || *m_p == '[')
                         return fail(QStringLiteral("\"@value\" must be a plain value"));
-                    if (haveValue)
-                        return fail(QStringLiteral("duplicate \"@value\""));
                     QVariant v;
                     if (!parseScalar(&v))
                         return false;
                     ModuleObjectPrivate::setValueRaw(node, v);
-                    haveValue = true;
-                } else if (!parseNode(ModuleObjectPrivate::appendRaw(node, key))) {
-                    return false;
+                } else {
+                    LightNode *child = appendNode(node, key);
+                    if (!child || !parseNode(child))
+                        return false;
                 }
                 skipWs();
                 if (m_p < m_end && *m_p == ',') {
@@ -594,7 +673,8 @@ private:
                 return true;
             }
             for (int i = 0;; ++i) {
-                if (!parseNode(ModuleObjectPrivate::appendRaw(node, arrayName(i))))
+                LightNode *child = appendNode(node, arrayName(i));
+                if (!child || !parseNode(child))
                     return false;
                 skipWs();
                 if (m_p < m_end && *m_p == ',') {
@@ -636,14 +716,17 @@ private:
                     if (m_p >= m_end || *m_p != '"')
                         return m_p >= m_end ? unexpected() : fail(QStringLiteral("object key expected"));
                     QString key;
+                    const char *keyAt = m_p;
                     if (!parseString(&key))
                         return false;
+                    if (map.contains(key))
+                        return duplicateKey(keyAt, key);
                     skipWs();
                     if (m_p >= m_end || *m_p != ':')
                         return m_p >= m_end ? unexpected() : fail(QStringLiteral("':' expected"));
                     ++m_p;
                     QVariant v;
-                    if (!parseVariant(&v))
+                    if (!countValue() || !parseVariant(&v))
                         return false;
                     map.insert(key, v);
                     skipWs();
@@ -673,7 +756,7 @@ private:
             } else {
                 for (;;) {
                     QVariant v;
-                    if (!parseVariant(&v))
+                    if (!countValue() || !parseVariant(&v))
                         return false;
                     list.append(v);
                     skipWs();
@@ -695,6 +778,8 @@ private:
         return parseScalar(out);
     }
 
+    qint64 m_maxNodes;
+    qint64 m_nodes = 1;
     const char *m_begin;
     const char *m_p;
     const char *m_end;
@@ -729,6 +814,11 @@ QByteArray write(const ModuleObject *node, bool compact)
 
 bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *error)
 {
+    return read(sender, node, text, error, maxJsonNodes());
+}
+
+bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *error, qint64 maxNodes)
+{
     if (!node) {
         if (error)
             *error = QStringLiteral("no target node");
@@ -736,14 +826,14 @@ bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *
     }
     if (!checkSize(text, error))
         return false;
-    ModuleObject fresh;
-    Parser parser(text);
+    LightNode fresh;
+    Parser parser(text, maxNodes);
     if (!parser.parseDocumentNode(&fresh)) {
         if (error)
             *error = parser.error();
         return false;
     }
-    ModuleObjectPrivate::moveInto(sender, node, &fresh, true);
+    ModuleObjectPrivate::moveInto(sender, node, fresh, true);
     if (error)
         error->clear();
     return true;
@@ -758,11 +848,16 @@ QByteArray fromVariant(const QVariant &v, bool compact)
 
 QVariant toVariant(const QByteArray &text, bool *ok, QString *error)
 {
+    return toVariant(text, ok, error, maxJsonNodes());
+}
+
+QVariant toVariant(const QByteArray &text, bool *ok, QString *error, qint64 maxValues)
+{
     if (ok)
         *ok = false;
     if (!checkSize(text, error))
         return QVariant();
-    Parser parser(text);
+    Parser parser(text, maxValues);
     QVariant v;
     if (!parser.parseDocumentVariant(&v)) {
         if (error)

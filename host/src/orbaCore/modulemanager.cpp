@@ -1,5 +1,6 @@
 #include "orba/modulemanager.h"
 
+#include "orba/json.h"
 #include "moduleobject_p.h"
 #include "numbers_p.h"
 
@@ -8,6 +9,7 @@
 #include <QSaveFile>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <cmath>
 #include <climits>
 #include <cstring>
@@ -76,14 +78,36 @@ bool decodeUtf16(const QString &text, QString *out)
     return true;
 }
 
+// Input quoted in an error message is cut short: a bad value of a megabyte must not make a
+// message of a megabyte.
+QString excerpt(QStringView s, int max = 64)
+{
+    if (s.size() <= max)
+        return s.toString();
+    int n = max;
+    if (QChar::isHighSurrogate(s.at(n - 1).unicode()))
+        --n;
+    return s.left(n).toString() + QStringLiteral("...");
+}
+
+// Attributes a <node> element may have: "name", "name-encoding", "type", "encoding" and a few
+// more that are ignored. The general reader's time grows with the square of an element's
+// attributes, so a start tag with more is refused before it gets there.
+constexpr int kMaxAttributes = 8;
+
+QString budgetError(qint64 maxNodes)
+{
+    return QStringLiteral("the document has more than %1 nodes").arg(maxNodes);
+}
+
 // The writer builds the bytes itself (QXmlStreamWriter goes through a text codec character by
 // character, several times slower on files of many pallets); the output is byte for byte what
 // QXmlStreamWriter with auto-formatting (indent 2) writes.
 
 // Appends the UTF-8 form of s with XML escapes. In attributes tab, line feed and carriage return
 // are written as references (a reader would normalise them to spaces); in element text a carriage
-// return is (it would come back as a line feed). Characters XML cannot carry at all (only names
-// can hold them: values that have any are base64-encoded) are left out.
+// return is (it would come back as a line feed). Characters XML cannot carry at all never get
+// here: names and values that have any are base64-encoded (see needsEncoding).
 void appendEscaped(QByteArray &out, const QString &s, bool attribute)
 {
     const QChar *d = s.constData();
@@ -166,19 +190,70 @@ void appendEscaped(QByteArray &out, const QString &s, bool attribute)
 void appendDoubleText(QByteArray &out, double d)
 {
     if (std::isnan(d))
-        out.append("nan", 3);
+        out.append(std::signbit(d) ? "-nan" : "nan");
     else if (std::isinf(d))
         out.append(d > 0 ? "inf" : "-inf");
     else
         numbers::appendDouble(out, d);
 }
 
-qint64 countNodes(const ModuleObject *node)
+qint64 countNodes(NodeRef node)
 {
     qint64 n = 1;
     for (int i = 0; i < node->cmobjCount(); ++i)
         n += countNodes(node->c(i));
     return n;
+}
+
+// The names from the top of a walk down to the node being looked at; the walk keeps one on its
+// stack per level, so nothing is built unless a message needs the path.
+struct Trail
+{
+    const Trail *up;
+    const QString *name;
+};
+
+QString trailPath(const Trail *trail)
+{
+    QStringList names;
+    for (; trail; trail = trail->up)
+        names.prepend(*trail->name);
+    return names.join(QLatin1Char('.'));
+}
+
+// Whether a tree makes a file that reads back as the same tree: within the readers' nesting
+// limit and node budget, every value of a type the form has. Checked before a file is touched.
+bool checkWritable(NodeRef node, const Trail *trail, int depth, qint64 maxNodes, qint64 *nodes, QString *why)
+{
+    if (depth > ModuleManager::maxDepth()) {
+        *why = QStringLiteral("the tree is nested deeper than %1 levels").arg(ModuleManager::maxDepth());
+        return false;
+    }
+    if (++*nodes > maxNodes) {
+        *why = QStringLiteral("the tree has more than %1 nodes").arg(maxNodes);
+        return false;
+    }
+    const QVariant v = node->value();
+    switch (v.userType()) {
+    case QMetaType::UnknownType:
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::Double:
+    case QMetaType::Bool:
+    case QMetaType::QString:
+        break;
+    default:
+        *why = QStringLiteral("the value of \"%1\" is a %2, which the file form cannot hold")
+                   .arg(excerpt(trailPath(trail)), QLatin1String(v.typeName()));
+        return false;
+    }
+    for (int i = 0; i < node->cmobjCount(); ++i) {
+        const NodeRef child = node->c(i);
+        const Trail below{trail, &child->name()};
+        if (!checkWritable(child, &below, depth + 1, maxNodes, nodes, why))
+            return false;
+    }
+    return true;
 }
 
 void appendIndent(QByteArray &out, int depth)
@@ -190,12 +265,19 @@ void appendIndent(QByteArray &out, int depth)
 
 // indentBefore is false for a first child that follows its parent's value text: the writer's
 // auto-formatting never puts white space into a value.
-void writeNode(QByteArray &out, const ModuleObject *node, int depth, bool indent, bool indentBefore)
+void writeNode(QByteArray &out, NodeRef node, int depth, bool indent, bool indentBefore)
 {
     if (indent && indentBefore)
         appendIndent(out, depth);
     out.append("<node name=\"", 12);
-    appendEscaped(out, node->name(), true);
+    const QString name = node->name();
+    if (needsEncoding(name)) {
+        // XML 1.0 has no way to carry these characters, not even as references.
+        out.append(encodeUtf16(name));
+        out.append("\" name-encoding=\"utf16-base64", 29);
+    } else {
+        appendEscaped(out, name, true);
+    }
     const QVariant v = node->value();
     switch (v.userType()) {
     case QMetaType::UnknownType:
@@ -244,7 +326,7 @@ void writeNode(QByteArray &out, const ModuleObject *node, int depth, bool indent
 
 struct Frame
 {
-    ModuleObject *node;
+    LightNode *node;
     QString type;
     QString text;
     bool encoded = false;
@@ -279,7 +361,7 @@ bool parseValue(const Frame &f, QVariant *out, QString *why)
     if (type == QLatin1String("int")) {
         qint64 v = 0;
         if (t.isEmpty() || !numbers::parseInt64(t.constData(), t.constData() + t.size(), &v)) {
-            *why = QStringLiteral("\"%1\" is not an int").arg(f.text);
+            *why = QStringLiteral("\"%1\" is not an int").arg(excerpt(f.text));
             return false;
         }
         *out = ModuleObjectPrivate::normalise(QVariant(v));
@@ -293,8 +375,10 @@ bool parseValue(const Frame &f, QVariant *out, QString *why)
             d = -std::numeric_limits<double>::infinity();
         } else if (t == "nan") {
             d = std::numeric_limits<double>::quiet_NaN();
+        } else if (t == "-nan") {
+            d = std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0);
         } else if (t.isEmpty() || !numbers::parseDouble(t.constData(), t.constData() + t.size(), &d)) {
-            *why = QStringLiteral("\"%1\" is not a double").arg(f.text);
+            *why = QStringLiteral("\"%1\" is not a double").arg(excerpt(f.text));
             return false;
         }
         *out = d;
@@ -306,12 +390,12 @@ bool parseValue(const Frame &f, QVariant *out, QString *why)
         } else if (t == "false") {
             *out = false;
         } else {
-            *why = QStringLiteral("\"%1\" is not a bool").arg(f.text);
+            *why = QStringLiteral("\"%1\" is not a bool").arg(excerpt(f.text));
             return false;
         }
         return true;
     }
-    *why = QStringLiteral("unknown type \"%1\"").arg(type);
+    *why = QStringLiteral("unknown type \"%1\"").arg(excerpt(type));
     return false;
 }
 
@@ -321,16 +405,21 @@ bool parseValue(const Frame &f, QVariant *out, QString *why)
 // that subset and on anything wrong, without saying why: the general reader below then reads the
 // document from the start and has the last word, so results and error messages are the general
 // reader's. Whatever it accepts is well-formed and gives the tree the general reader gives.
+// The one exception is the node budget: what it read up to there was well-formed, so the general
+// reader would only build the same nodes again to come to the same end (overBudget()).
 class QuickXmlReader
 {
 public:
-    explicit QuickXmlReader(const QByteArray &xml)
+    QuickXmlReader(const QByteArray &xml, qint64 maxNodes)
         : m_p(xml.constData())
         , m_end(xml.constData() + xml.size())
+        , m_maxNodes(maxNodes)
     {
     }
 
-    bool read(ModuleObject *root)
+    bool overBudget() const { return m_overBudget; }
+
+    bool read(LightNode *root)
     {
         static const char decl[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
         const qptrdiff declLen = qptrdiff(sizeof decl - 1);
@@ -364,7 +453,7 @@ private:
 
     struct Frame
     {
-        ModuleObject *node = nullptr;
+        LightNode *node = nullptr;
         Type type = Null;
         bool encoded = false;
         bool sawChild = false;
@@ -628,7 +717,7 @@ private:
         return size_t(a.valueEnd - a.value) == length && std::memcmp(a.value, text, length) == 0;
     }
 
-    bool readStartTag(ModuleObject *root)
+    bool readStartTag(LightNode *root)
     {
         if (m_end - m_p < 5 || std::memcmp(m_p + 1, "node", 4) != 0)
             return false;
@@ -636,9 +725,10 @@ private:
         if (int(m_stack.size()) >= ModuleManager::maxDepth())
             return false;
         const Attribute *nameAttr = nullptr;
+        const Attribute *nameEncodingAttr = nullptr;
         const Attribute *typeAttr = nullptr;
         const Attribute *encodingAttr = nullptr;
-        Attribute attrs[8];
+        Attribute attrs[kMaxAttributes];
         int count = 0;
         bool empty = false;
         for (;;) {
@@ -656,7 +746,7 @@ private:
                 empty = true;
                 break;
             }
-            if (m_p == before || count == 8)
+            if (m_p == before || count == kMaxAttributes)
                 return false;
             Attribute &a = attrs[count];
             if (!readAttribute(&a))
@@ -672,6 +762,8 @@ private:
                 typeAttr = &a;
             else if (attributeIs(a, "encoding", 8))
                 encodingAttr = &a;
+            else if (attributeIs(a, "name-encoding", 13))
+                nameEncodingAttr = &a;
         }
 
         Frame f;
@@ -692,6 +784,13 @@ private:
                 return false;
             f.encoded = true;
         }
+        QString name = nameAttr ? attributeText(*nameAttr) : QString();
+        if (nameEncodingAttr && nameEncodingAttr->valueEnd != nameEncodingAttr->value) {
+            QString decoded;
+            if (!valueIs(*nameEncodingAttr, "utf16-base64") || !decodeUtf16(name, &decoded))
+                return false;
+            name = decoded;
+        }
 
         if (m_stack.empty()) {
             if (m_sawRoot)
@@ -699,9 +798,13 @@ private:
             m_sawRoot = true;
             f.node = root;
         } else {
+            if (++m_nodes > m_maxNodes) {
+                m_overBudget = true;
+                return false;
+            }
             Frame &top = m_stack.back();
             top.sawChild = true;
-            f.node = ModuleObjectPrivate::appendRaw(top.node, nameAttr ? attributeText(*nameAttr) : QString());
+            f.node = ModuleObjectPrivate::appendRaw(top.node, name);
         }
         m_stack.push_back(f);
         return empty ? finish() : true;
@@ -710,7 +813,7 @@ private:
     QString attributeText(const Attribute &a) const
     {
         if (!a.plain)
-            return QString::fromUtf8(decode(a.value, a.valueEnd));
+            return utf8Exact(decode(a.value, a.valueEnd));
         const int length = int(a.valueEnd - a.value);
         const int index = arrayIndexOf(a.value, length);
         return index >= 0 ? arrayName(index) : QString::fromLatin1(a.value, length);
@@ -773,6 +876,8 @@ private:
                     d = -std::numeric_limits<double>::infinity();
                 else if (n == 3 && std::memcmp(b, "nan", 3) == 0)
                     d = std::numeric_limits<double>::quiet_NaN();
+                else if (n == 4 && std::memcmp(b, "-nan", 4) == 0)
+                    d = std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0);
                 else if (!n || !numbers::parseDouble(b, e, &d))
                     return false;
                 v = d;
@@ -795,7 +900,7 @@ private:
             general.type = typeName(f.type);
             general.encoded = f.encoded;
             if (f.textBegin)
-                general.text = QString::fromUtf8(f.textPlain ? QByteArray::fromRawData(b, int(e - b)) : decode(b, e));
+                general.text = utf8Exact(f.textPlain ? QByteArray::fromRawData(b, int(e - b)) : decode(b, e));
             QString why;
             if (!parseValue(general, &v, &why))
                 return false;
@@ -824,23 +929,110 @@ private:
 
     const char *m_p;
     const char *const m_end;
+    const qint64 m_maxNodes;
+    qint64 m_nodes = 1;
     std::vector<Frame> m_stack;
     bool m_sawRoot = false;
+    bool m_overBudget = false;
 };
 
-bool parseXml(const QByteArray &xml, ModuleObject *fresh, QString *error)
+bool startsWith(const char *p, const char *end, const char *text)
+{
+    const size_t n = std::strlen(text);
+    return size_t(end - p) >= n && std::memcmp(p, text, n) == 0;
+}
+
+// Just past the first occurrence of marker at or after p, or end.
+const char *skipPast(const char *p, const char *end, const char *marker)
+{
+    const size_t n = std::strlen(marker);
+    for (;;) {
+        p = static_cast<const char *>(std::memchr(p, marker[0], size_t(end - p)));
+        if (!p || size_t(end - p) < n)
+            return end;
+        if (std::memcmp(p, marker, n) == 0)
+            return p + n;
+        ++p;
+    }
+}
+
+// A scan of the bytes before the general reader sees them: a document type declaration, a start
+// tag with more than kMaxAttributes attributes and more elements than the budget are refused
+// before any work grows with them. For a well-formed document every '=' of a start tag outside
+// quotes belongs to an attribute; a malformed one may be refused here for a reason of its own.
+bool prescan(const QByteArray &xml, qint64 maxNodes, QString *error)
+{
+    const char *const begin = xml.constData();
+    const char *const end = begin + xml.size();
+    auto fail = [&](const char *at, const QString &what) {
+        *error = QStringLiteral("XML error at line %1: %2").arg(1 + std::count(begin, at, '\n')).arg(what);
+        return false;
+    };
+    qint64 elements = 0;
+    const char *p = begin;
+    while (p < end) {
+        p = static_cast<const char *>(std::memchr(p, '<', size_t(end - p)));
+        if (!p)
+            break;
+        const char *const tag = p++;
+        if (p == end || *p == '/')
+            continue;
+        if (*p == '?') {
+            p = skipPast(p, end, "?>");
+            continue;
+        }
+        if (*p == '!') {
+            if (startsWith(p, end, "!--"))
+                p = skipPast(p + 3, end, "-->");
+            else if (startsWith(p, end, "![CDATA["))
+                p = skipPast(p + 8, end, "]]>");
+            else if (startsWith(p, end, "!DOCTYPE"))
+                return fail(tag, QStringLiteral("document type declarations are not accepted"));
+            continue;
+        }
+        if (++elements > maxNodes) {
+            *error = budgetError(maxNodes);
+            return false;
+        }
+        int attributes = 0;
+        char quote = 0;
+        for (; p < end; ++p) {
+            const char c = *p;
+            if (quote) {
+                if (c == quote)
+                    quote = 0;
+            } else if (c == '"' || c == '\'') {
+                quote = c;
+            } else if (c == '=') {
+                if (++attributes > kMaxAttributes)
+                    return fail(tag, QStringLiteral("an element with more than %1 attributes").arg(kMaxAttributes));
+            } else if (c == '>') {
+                break;
+            }
+        }
+    }
+    return true;
+}
+
+bool parseXml(const QByteArray &xml, LightNode *fresh, QString *error, qint64 maxNodes)
 {
     // Most files are the writer's own: read them the quick way first.
     {
-        QuickXmlReader quick(xml);
+        QuickXmlReader quick(xml, maxNodes);
         if (quick.read(fresh))
             return true;
-        fresh->clear(nullptr, false);
-        ModuleObjectPrivate::setValueRaw(fresh, QVariant());
+        ModuleObjectPrivate::resetRaw(fresh);
+        if (quick.overBudget()) {
+            *error = budgetError(maxNodes);
+            return false;
+        }
     }
+    if (!prescan(xml, maxNodes, error))
+        return false;
     QXmlStreamReader reader(xml);
     std::vector<Frame> stack;
     bool sawRoot = false;
+    qint64 nodes = 1;
     auto fail = [&](const QString &what) {
         *error = QStringLiteral("XML error at line %1, column %2: %3")
                      .arg(reader.lineNumber())
@@ -856,10 +1048,20 @@ bool parseXml(const QByteArray &xml, ModuleObject *fresh, QString *error)
             return fail(QStringLiteral("entity references are not accepted"));
         case QXmlStreamReader::StartElement: {
             if (reader.name() != QLatin1String("node"))
-                return fail(QStringLiteral("unexpected element <%1>").arg(reader.name()));
+                return fail(QStringLiteral("unexpected element <%1>").arg(excerpt(reader.name())));
             if (int(stack.size()) >= ModuleManager::maxDepth())
                 return fail(QStringLiteral("nesting deeper than %1 levels").arg(ModuleManager::maxDepth()));
             const QXmlStreamAttributes attrs = reader.attributes();
+            QString name = attrs.value(QLatin1String("name")).toString();
+            const QStringRef nameEncoding = attrs.value(QLatin1String("name-encoding"));
+            if (!nameEncoding.isEmpty()) {
+                if (nameEncoding != QLatin1String("utf16-base64"))
+                    return fail(QStringLiteral("unknown name encoding \"%1\"").arg(excerpt(nameEncoding)));
+                QString decoded;
+                if (!decodeUtf16(name, &decoded))
+                    return fail(QStringLiteral("invalid encoded name"));
+                name = decoded;
+            }
             Frame f;
             if (stack.empty()) {
                 if (sawRoot)
@@ -867,16 +1069,20 @@ bool parseXml(const QByteArray &xml, ModuleObject *fresh, QString *error)
                 sawRoot = true;
                 f.node = fresh;
             } else {
+                if (++nodes > maxNodes) {
+                    *error = budgetError(maxNodes);
+                    return false;
+                }
                 Frame &top = stack.back();
                 top.sawChild = true;
-                f.node = ModuleObjectPrivate::appendRaw(top.node, attrs.value(QLatin1String("name")).toString());
+                f.node = ModuleObjectPrivate::appendRaw(top.node, name);
             }
             f.type = attrs.hasAttribute(QLatin1String("type")) ? attrs.value(QLatin1String("type")).toString()
                                                                : QStringLiteral("null");
             const QStringRef encoding = attrs.value(QLatin1String("encoding"));
             if (!encoding.isEmpty()) {
                 if (encoding != QLatin1String("utf16-base64") || f.type != QLatin1String("string"))
-                    return fail(QStringLiteral("unknown encoding \"%1\"").arg(encoding));
+                    return fail(QStringLiteral("unknown encoding \"%1\"").arg(excerpt(encoding)));
                 f.encoded = true;
             }
             stack.push_back(std::move(f));
@@ -907,8 +1113,9 @@ bool parseXml(const QByteArray &xml, ModuleObject *fresh, QString *error)
     }
     if (reader.hasError()) {
         if (reader.error() == QXmlStreamReader::PrematureEndOfDocumentError)
-            return fail(QStringLiteral("truncated document (%1)").arg(reader.errorString()));
-        return fail(reader.errorString());
+            return fail(QStringLiteral("truncated document (%1)").arg(excerpt(reader.errorString(), 200)));
+        // Some of the reader's messages quote the input.
+        return fail(excerpt(reader.errorString(), 200));
     }
     if (!sawRoot)
         return fail(QStringLiteral("no root element"));
@@ -948,6 +1155,12 @@ QByteArray ModuleManager::toXml(const ModuleObject *node, bool indent)
 
 bool ModuleManager::fromXml(QObject *sender, ModuleObject *node, const QByteArray &xml, QString *error)
 {
+    return fromXml(sender, node, xml, error, json::maxJsonNodes());
+}
+
+bool ModuleManager::fromXml(QObject *sender, ModuleObject *node, const QByteArray &xml, QString *error,
+                            qint64 maxNodes)
+{
     QString why;
     bool ok = false;
     if (!node) {
@@ -955,10 +1168,10 @@ bool ModuleManager::fromXml(QObject *sender, ModuleObject *node, const QByteArra
     } else if (xml.size() > maxXmlBytes()) {
         why = QStringLiteral("XML text of %1 bytes exceeds the limit of %2 bytes").arg(xml.size()).arg(maxXmlBytes());
     } else {
-        ModuleObject fresh;
-        ok = parseXml(xml, &fresh, &why);
+        LightNode fresh;
+        ok = parseXml(xml, &fresh, &why, maxNodes);
         if (ok)
-            ModuleObjectPrivate::moveInto(sender, node, &fresh, true);
+            ModuleObjectPrivate::moveInto(sender, node, fresh, true);
     }
     lastErrorRef() = ok ? QString() : why;
     if (error)
@@ -990,19 +1203,37 @@ bool ModuleManager::writeToXmlFile(const QString &filePath, const ModuleObject *
 {
     if (!node)
         return setError(QStringLiteral("no node to write"));
+    auto fail = [&](const QString &why) { return setError(QStringLiteral("cannot write %1: %2").arg(filePath, why)); };
+    // A file the readers would refuse is not written: the file there stays as it is.
+    QString why;
+    qint64 nodes = 0;
+    if (!checkWritable(node, nullptr, 1, json::maxJsonNodes(), &nodes, &why))
+        return fail(why);
     const QByteArray data = toXml(node, indent);
+    if (data.size() > maxXmlBytes())
+        return fail(QStringLiteral("%1 bytes of XML, over the limit of %2 bytes").arg(data.size()).arg(maxXmlBytes()));
     if (atomic) {
+        // The temporary file is dropped unless everything reached it: the old file is kept.
         QSaveFile file(filePath);
         if (!file.open(QIODevice::WriteOnly))
-            return setError(QStringLiteral("cannot write %1: %2").arg(filePath, file.errorString()));
-        if (file.write(data) != data.size() || !file.commit())
-            return setError(QStringLiteral("cannot write %1: %2").arg(filePath, file.errorString()));
+            return fail(file.errorString());
+        if (file.write(data) != data.size()) {
+            why = file.errorString();
+            file.cancelWriting();
+            return fail(why);
+        }
+        if (!file.commit())
+            return fail(file.errorString());
     } else {
+        // In place: an error half way leaves a partial file (use the atomic form for that).
         QFile file(filePath);
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            return setError(QStringLiteral("cannot write %1: %2").arg(filePath, file.errorString()));
+            return fail(file.errorString());
         if (file.write(data) != data.size() || !file.flush())
-            return setError(QStringLiteral("cannot write %1: %2").arg(filePath, file.errorString()));
+            return fail(file.errorString());
+        file.close();
+        if (file.error() != QFileDevice::NoError)
+            return fail(file.errorString());
     }
     lastErrorRef().clear();
     return true;

@@ -3,8 +3,11 @@
 #include "orba/json.h"
 #include "orba/modulemanager.h"
 
+#include <QMetaMethod>
+#include <QSet>
 #include <QStringView>
 
+#include <atomic>
 #include <climits>
 #include <cstring>
 #include <utility>
@@ -77,13 +80,157 @@ int arrayIndexOf(const QChar *s, int len)
     return v > INT_MAX ? -1 : int(v);
 }
 
+namespace {
+
+std::atomic<qint64> g_liveObjects{0};
+
+// Keys of a parsed reply repeat thousands of times ("wobj", "trans", ...): keep one string per name.
+QString internParsedName(const QString &name)
+{
+    const int i = arrayIndexOf(name.constData(), name.size());
+    if (i >= 0)
+        return i < kSharedNames ? nameTable().names[i] : name;
+    if (name.size() > 32)
+        return name;
+    thread_local QSet<QString> names;
+    const auto it = names.constFind(name);
+    if (it != names.cend())
+        return *it;
+    if (names.size() >= 4096)
+        names.clear();
+    names.insert(name);
+    return name;
+}
+
+// Position of the first child called name in a compact list, or -1. The "#i" at position i is
+// found directly, as ModuleObjectPrivate::find does.
+int lightIndex(const QVector<LightNode> &kids, QStringView name)
+{
+    const int i = arrayIndexOf(name.data(), int(name.size()));
+    if (i >= 0 && i < kids.size() && QStringView(kids.at(i).name) == name)
+        return i;
+    const LightNode *d = kids.constData();
+    for (int k = 0, n = kids.size(); k < n; ++k) {
+        if (QStringView(d[k].name) == name)
+            return k;
+    }
+    return -1;
+}
+
+// Like lightIndex for the compact children of an object, but -2 when the list is too long to
+// scan: such lookups go through the object's name hash instead.
+int compactIndex(const QVector<LightNode> &kids, QStringView name)
+{
+    const int i = arrayIndexOf(name.data(), int(name.size()));
+    if (i >= 0 && i < kids.size() && QStringView(kids.at(i).name) == name)
+        return i;
+    if (kids.size() > kLinearLookup)
+        return -2;
+    return lightIndex(kids, name);
+}
+
+// The child called name, appended; "#i" brings the missing elements before it into being, as
+// ModuleObject::ensureChild does.
+LightNode *lightEnsureChild(LightNode *node, const QString &name)
+{
+    const int index = arrayIndexOf(name.constData(), name.size());
+    for (int k = 0; k < index; ++k) {
+        const QString element = arrayName(k);
+        if (lightIndex(node->kids, QStringView(element)) < 0)
+            node->kids.append(LightNode{element, QVariant(), {}});
+    }
+    node->kids.append(LightNode{internName(name), QVariant(), {}});
+    return &node->kids.last();
+}
+
+// Overlay between two compact nodes: nobody can be listening, so it is plain data work.
+void overlayLight(LightNode &target, const LightNode &source)
+{
+    const bool replaceChildren = NodeRef(&source).isArray();
+    if (replaceChildren)
+        target.kids = QVector<LightNode>();
+    for (const LightNode &child : source.kids) {
+        if (!replaceChildren) {
+            const int i = lightIndex(target.kids, QStringView(child.name));
+            if (i >= 0) {
+                overlayLight(target.kids[i], child);
+                continue;
+            }
+        }
+        target.kids.append(child);
+    }
+    if (source.value.isValid())
+        target.value = source.value;
+}
+
+void collectNames(NodeRef node, const QString *prefix, bool recursive, QStringList *out)
+{
+    const int n = node.cmobjCount();
+    for (int i = 0; i < n; ++i) {
+        const NodeRef child = node.c(i);
+        const QString name = prefix ? *prefix + QLatin1Char('.') + child.name() : child.name();
+        out->append(name);
+        if (recursive)
+            collectNames(child, &name, true, out);
+    }
+}
+
+QVariant exportNode(NodeRef node)
+{
+    const int n = node.cmobjCount();
+    if (n == 0)
+        return node.value();
+    if (!node.hasValue() && node.isArray()) {
+        QVariantList list;
+        list.reserve(n);
+        for (int i = 0; i < n; ++i)
+            list.append(exportNode(node.c(i)));
+        return list;
+    }
+    QVariantMap map;
+    for (int i = 0; i < n; ++i) {
+        const NodeRef child = node.c(i);
+        if (!map.contains(child.name()))
+            map.insert(child.name(), exportNode(child));
+    }
+    if (node.hasValue())
+        map.insert(QStringLiteral("@value"), node.value());
+    return map;
+}
+
+} // namespace
+
 // ---------------------------------------------------------------------------------------------
 
-ModuleObject *ModuleObjectPrivate::appendRaw(ModuleObject *parent, const QString &name)
+bool NodeRef::isArray() const
 {
-    auto *child = new ModuleObject(name);
-    parent->attach(parent->m_children.size(), child);
-    return child;
+    const int n = cmobjCount();
+    if (n == 0)
+        return false;
+    for (int i = 0; i < n; ++i) {
+        const QString &name = c(i).name();
+        if (arrayIndexOf(name.constData(), name.size()) != i)
+            return false;
+    }
+    return true;
+}
+
+LightNode *ModuleObjectPrivate::appendRaw(LightNode *parent, const QString &name)
+{
+    // Most lists are short (a pose's three parts, "#0".."#2"): one block for the first three saves
+    // the growing steps and is no larger than growing would make it.
+    if (parent->kids.isEmpty())
+        parent->kids.reserve(3);
+    parent->kids.append(LightNode{internParsedName(name), QVariant(), {}});
+    return &parent->kids.last();
+}
+
+ModuleObject *ModuleObjectPrivate::makeObject(const LightNode &light)
+{
+    auto *object = new ModuleObject(light.name);
+    object->m_value = light.value;
+    object->m_compact = light.kids;
+    return object;
 }
 
 QVariant ModuleObjectPrivate::normalise(const QVariant &v)
@@ -148,25 +295,57 @@ bool ModuleObjectPrivate::sameValue(const QVariant &a, const QVariant &b)
     }
 }
 
-void ModuleObjectPrivate::moveInto(QObject *sender, ModuleObject *target, ModuleObject *source, bool notify)
+bool ModuleObjectPrivate::equal(NodeRef a, NodeRef b)
+{
+    if (!sameValue(a.value(), b.value()))
+        return false;
+    const int n = a.cmobjCount();
+    if (n != b.cmobjCount())
+        return false;
+    const QVector<LightNode> *ka = a.compact();
+    const QVector<LightNode> *kb = b.compact();
+    // Copies share their compact parts until written: the same data is the same subtree.
+    if (ka && kb && ka->constData() == kb->constData())
+        return true;
+    for (int i = 0; i < n; ++i) {
+        const NodeRef ca = a.c(i);
+        const NodeRef cb = b.c(i);
+        if (ca.name() != cb.name() || !equal(ca, cb))
+            return false;
+    }
+    return true;
+}
+
+void ModuleObjectPrivate::moveInto(QObject *sender, ModuleObject *target, LightNode &source, bool notify)
 {
     if (target->m_isEmptySentinel)
         return;
     target->clear(sender, notify, false);
-    const QVector<ModuleObject *> children = std::exchange(source->m_children, {});
-    source->m_byName.clear();
-    source->m_byNameValid = false;
-    for (ModuleObject *child : children) {
-        child->m_parent = nullptr;
-        target->attach(target->m_children.size(), child);
-        if (notify)
-            emit target->childInserted(child, child->m_index, sender);
+    const QVector<LightNode> kids = std::exchange(source.kids, QVector<LightNode>());
+    if (!kids.isEmpty()) {
+        // Unseen children stay compact; children somebody is told about must be objects.
+        if (target->m_children.isEmpty() && target->m_compact.isEmpty() && !(notify && target->hasInsertListener())) {
+            target->m_compact = kids;
+            target->m_byName.clear();
+            target->m_byNameValid = false;
+        } else {
+            target->materialise();
+            target->m_children.reserve(target->m_children.size() + kids.size());
+            for (const LightNode &light : kids) {
+                ModuleObject *child = makeObject(light);
+                target->attach(target->m_children.size(), child);
+                if (notify)
+                    emit target->childInserted(child, child->m_index, sender);
+            }
+        }
     }
-    target->setValue(sender, source->m_value, notify);
+    target->setValue(sender, source.value, notify);
 }
 
 ModuleObject *ModuleObjectPrivate::find(const ModuleObject *node, QStringView name)
 {
+    if (!node->m_compact.isEmpty())
+        node->materialise();
     const QVector<ModuleObject *> &children = node->m_children;
     const int i = arrayIndexOf(name.data(), int(name.size()));
     if (i >= 0 && i < children.size() && QStringView(children[i]->m_name) == name)
@@ -183,50 +362,66 @@ ModuleObject *ModuleObjectPrivate::find(const ModuleObject *node, QStringView na
     return node->m_byName.value(name.toString(), nullptr);
 }
 
-ModuleObject *ModuleObjectPrivate::clone(const ModuleObject *source)
+QVector<LightNode> ModuleObjectPrivate::lightChildren(NodeRef source)
 {
-    auto *copy = new ModuleObject(source->m_name);
-    copy->m_value = source->m_value;
-    copy->m_children.reserve(source->m_children.size());
-    for (const ModuleObject *child : source->m_children)
-        copy->attach(copy->m_children.size(), clone(child));
-    return copy;
+    if (const QVector<LightNode> *kids = source.compact())
+        return *kids;
+    const int n = source.cmobjCount();
+    QVector<LightNode> out;
+    out.reserve(n);
+    for (int i = 0; i < n; ++i)
+        out.append(toLight(source.c(i)));
+    return out;
 }
 
-void ModuleObjectPrivate::overlay(QObject *sender, ModuleObject *target, ModuleObject *source, bool notify)
+LightNode ModuleObjectPrivate::toLight(NodeRef source)
 {
-    const bool replaceChildren = source->isArray();
+    return LightNode{source.name(), source.value(), lightChildren(source)};
+}
+
+void ModuleObjectPrivate::overlay(QObject *sender, ModuleObject *target, const LightNode &source, bool notify)
+{
+    const bool replaceChildren = NodeRef(&source).isArray();
     if (replaceChildren)
         target->clear(sender, notify, false);
-    const QVector<ModuleObject *> children = std::exchange(source->m_children, {});
-    source->m_byName.clear();
-    source->m_byNameValid = false;
-    for (ModuleObject *child : children) {
-        child->m_parent = nullptr;
-        child->m_index = -1;
-        ModuleObject *mine = replaceChildren ? nullptr : find(target, QStringView(child->m_name));
-        if (mine) {
-            overlay(sender, mine, child, notify);
-            delete child;
+    for (const LightNode &child : source.kids) {
+        if (!replaceChildren) {
+            const int i = target->m_compact.isEmpty() ? -1 : compactIndex(target->m_compact, QStringView(child.name));
+            if (i >= 0) {
+                overlayLight(target->m_compact[i], child);
+                continue;
+            }
+            if (i == -2 || !target->m_children.isEmpty()) {
+                if (ModuleObject *mine = find(target, QStringView(child.name))) {
+                    overlay(sender, mine, child, notify);
+                    continue;
+                }
+            }
+        }
+        if (target->m_children.isEmpty() && !(notify && target->hasInsertListener())) {
+            target->m_compact.append(child);
+            target->m_byName.clear();
+            target->m_byNameValid = false;
             continue;
         }
-        target->attach(target->m_children.size(), child);
+        target->materialise();
+        ModuleObject *added = makeObject(child);
+        target->attach(target->m_children.size(), added);
         if (notify)
-            emit target->childInserted(child, child->m_index, sender);
+            emit target->childInserted(added, added->m_index, sender);
     }
-    if (source->m_value.isValid())
-        target->setValue(sender, source->m_value, notify);
+    if (source.value.isValid())
+        target->setValue(sender, source.value, notify);
 }
 
-void ModuleObjectPrivate::fillFromVariant(ModuleObject *node, const QVariant &v)
+void ModuleObjectPrivate::fillFromVariant(LightNode *node, const QVariant &v)
 {
     const int type = v.userType();
     if (type == qMetaTypeId<ModuleObject *>()) {
         const ModuleObject *src = v.value<ModuleObject *>();
         if (src) {
-            node->m_value = src->m_value;
-            for (const ModuleObject *child : src->m_children)
-                node->attach(node->m_children.size(), clone(child));
+            node->value = src->m_value;
+            node->kids = lightChildren(src);
         }
         return;
     }
@@ -239,7 +434,7 @@ void ModuleObjectPrivate::fillFromVariant(ModuleObject *node, const QVariant &v)
         }
         for (auto it = map.cbegin(); it != map.cend(); ++it) {
             if (it.key() == QLatin1String("@value"))
-                node->m_value = normalise(it.value());
+                node->value = normalise(it.value());
             else
                 fillFromVariant(appendRaw(node, it.key()), it.value());
         }
@@ -247,11 +442,12 @@ void ModuleObjectPrivate::fillFromVariant(ModuleObject *node, const QVariant &v)
     }
     if (type == QMetaType::QVariantList || type == QMetaType::QStringList) {
         const QVariantList list = v.toList();
+        node->kids.reserve(list.size());
         for (int i = 0; i < list.size(); ++i)
             fillFromVariant(appendRaw(node, arrayName(i)), list.at(i));
         return;
     }
-    node->m_value = normalise(v);
+    node->value = normalise(v);
 }
 
 void ModuleObjectPrivate::mergeVariant(QObject *sender, ModuleObject *node, const QVariant &v, bool notify,
@@ -290,7 +486,9 @@ ModuleObject::ModuleObject(const QString &name, ModuleObject *parent)
     , m_name(internName(name))
     , m_byNameValid(false)
 {
+    ++g_liveObjects;
     if (parent && !parent->m_isEmptySentinel) {
+        parent->materialise();
         parent->attach(parent->m_children.size(), this);
         emit parent->childInserted(this, m_index, nullptr);
     }
@@ -298,6 +496,7 @@ ModuleObject::ModuleObject(const QString &name, ModuleObject *parent)
 
 ModuleObject::~ModuleObject()
 {
+    --g_liveObjects;
     const QVector<ModuleObject *> children = std::exchange(m_children, {});
     m_byName.clear();
     for (ModuleObject *child : children) {
@@ -310,6 +509,11 @@ ModuleObject::~ModuleObject()
         parent->detach(this);
         emit parent->childRemoved(m_name, index, nullptr);
     }
+}
+
+qint64 ModuleObject::liveObjects()
+{
+    return g_liveObjects.load();
 }
 
 void ModuleObject::setName(const QString &name)
@@ -359,8 +563,9 @@ ModuleObject *ModuleObject::c(const QString &name, bool create)
 
 ModuleObject *ModuleObject::c(int index) const
 {
-    if (index < 0 || index >= m_children.size())
+    if (index < 0 || index >= cmobjCount())
         return emptyNode();
+    materialise();
     return m_children.at(index);
 }
 
@@ -392,9 +597,10 @@ bool ModuleObject::hasRmobj(const QString &path) const
 
 QList<ModuleObject *> ModuleObject::cmobjs(bool recursive) const
 {
+    materialise();
     QList<ModuleObject *> out;
     out.reserve(m_children.size());
-    for (ModuleObject *child : m_children) {
+    for (ModuleObject *child : qAsConst(m_children)) {
         out.append(child);
         if (recursive)
             out.append(child->cmobjs(true));
@@ -406,15 +612,13 @@ QStringList ModuleObject::cmobjNames(bool recursive) const
 {
     // Recursive names are paths relative to this node, so they can be fed back to r().
     QStringList out;
-    for (const ModuleObject *child : m_children) {
-        out.append(child->m_name);
-        if (recursive) {
-            const QStringList below = child->cmobjNames(true);
-            for (const QString &name : below)
-                out.append(child->m_name + QLatin1Char('.') + name);
-        }
-    }
+    collectNames(this, nullptr, recursive, &out);
     return out;
+}
+
+int ModuleObject::cmobjCount() const
+{
+    return m_compact.isEmpty() ? m_children.size() : m_compact.size();
 }
 
 int ModuleObject::indexInPmobj() const
@@ -424,14 +628,7 @@ int ModuleObject::indexInPmobj() const
 
 bool ModuleObject::isArray() const
 {
-    if (m_children.isEmpty())
-        return false;
-    for (int i = 0; i < m_children.size(); ++i) {
-        const QString &name = m_children.at(i)->m_name;
-        if (arrayIndexOf(name.constData(), name.size()) != i)
-            return false;
-    }
-    return true;
+    return NodeRef(this).isArray();
 }
 
 bool ModuleObject::hasValue() const
@@ -487,7 +684,7 @@ bool ModuleObject::isEmpty() const
 
 bool ModuleObject::isNull() const
 {
-    return m_isEmptySentinel || (!m_value.isValid() && m_children.isEmpty());
+    return m_isEmptySentinel || (!m_value.isValid() && m_children.isEmpty() && m_compact.isEmpty());
 }
 
 ModuleObject *ModuleObject::set(QObject *sender, const QString &path, const QVariant &value, bool notify)
@@ -502,6 +699,22 @@ ModuleObject *ModuleObject::set(QObject *sender, const QString &path, const QVar
         while (end < n && d[end] != QLatin1Char('.'))
             ++end;
         const QStringView segment(d + start, end - start);
+        const int i = node->m_compact.isEmpty() ? -1 : compactIndex(node->m_compact, segment);
+        if (i >= 0) {
+            // From here down nobody holds a node, so nobody is to be told: write in place.
+            LightNode *light = &node->m_compact[i];
+            while (end < n) {
+                start = end + 1;
+                end = start;
+                while (end < n && d[end] != QLatin1Char('.'))
+                    ++end;
+                const QStringView below(d + start, end - start);
+                const int k = lightIndex(light->kids, below);
+                light = k >= 0 ? &light->kids[k] : lightEnsureChild(light, below.toString());
+            }
+            light->value = ModuleObjectPrivate::normalise(value);
+            return this;
+        }
         ModuleObject *child = ModuleObjectPrivate::find(node, segment);
         node = child ? child : node->ensureChild(sender, segment.toString(), notify);
         if (end >= n)
@@ -529,6 +742,7 @@ ModuleObject *ModuleObject::append(QObject *sender, const QString &name)
 {
     if (m_isEmptySentinel)
         return this;
+    materialise();
     auto *child = new ModuleObject(name);
     attach(m_children.size(), child);
     emit childInserted(child, child->m_index, sender);
@@ -554,6 +768,7 @@ ModuleObject *ModuleObject::insert(QObject *sender, int index, ModuleObject *nod
         former->detach(node);
         emit former->childRemoved(node->m_name, formerIndex, sender);
     }
+    materialise();
     index = qBound(0, index, int(m_children.size()));
     attach(index, node);
     emit childInserted(node, index, sender);
@@ -572,8 +787,9 @@ ModuleObject *ModuleObject::take(QObject *sender, ModuleObject *child)
 
 ModuleObject *ModuleObject::take(QObject *sender, int index)
 {
-    if (index < 0 || index >= m_children.size())
+    if (index < 0 || index >= cmobjCount())
         return nullptr;
+    materialise();
     return take(sender, m_children.at(index));
 }
 
@@ -593,13 +809,15 @@ bool ModuleObject::remove(QObject *sender, int index)
 
 void ModuleObject::clear(QObject *sender, bool notify, bool recursive)
 {
-    if (m_isEmptySentinel || m_children.isEmpty())
+    if (m_isEmptySentinel || (m_children.isEmpty() && m_compact.isEmpty()))
         return;
-    // Recursive: every descendant announces its own clearing before it goes away.
+    // Recursive: every descendant announces its own clearing before it goes away (compact ones
+    // have nobody to announce it to).
     if (recursive) {
         for (ModuleObject *child : qAsConst(m_children))
             child->clear(sender, notify, true);
     }
+    m_compact = QVector<LightNode>();
     const QVector<ModuleObject *> children = std::exchange(m_children, {});
     m_byName.clear();
     m_byNameValid = false;
@@ -619,11 +837,11 @@ void ModuleObject::copyFrom(QObject *sender, const ModuleObject *source, bool no
     if (!source)
         source = emptyNode();
     // Copy first: source may live inside this node's subtree.
-    std::unique_ptr<ModuleObject> copy(ModuleObjectPrivate::clone(source));
+    LightNode copy = ModuleObjectPrivate::toLight(source);
     // keepName keeps the source's name on the copy as well.
     if (keepName && !source->m_isEmptySentinel)
         setName(source->m_name);
-    ModuleObjectPrivate::moveInto(sender, this, copy.get(), notify);
+    ModuleObjectPrivate::moveInto(sender, this, copy, notify);
 }
 
 void ModuleObject::overlayFrom(QObject *sender, const ModuleObject *source, bool notify)
@@ -631,8 +849,8 @@ void ModuleObject::overlayFrom(QObject *sender, const ModuleObject *source, bool
     if (m_isEmptySentinel || !source || source->isNull() || source == this)
         return;
     // Copy first: source may live inside this node's subtree.
-    std::unique_ptr<ModuleObject> copy(ModuleObjectPrivate::clone(source));
-    ModuleObjectPrivate::overlay(sender, this, copy.get(), notify);
+    const LightNode copy = ModuleObjectPrivate::toLight(source);
+    ModuleObjectPrivate::overlay(sender, this, copy, notify);
 }
 
 void ModuleObject::importFromVariant(QObject *sender, const QVariant &v, bool notify, bool replace, bool keepValue)
@@ -643,32 +861,16 @@ void ModuleObject::importFromVariant(QObject *sender, const QVariant &v, bool no
         ModuleObjectPrivate::mergeVariant(sender, this, v, notify, keepValue);
         return;
     }
-    ModuleObject fresh;
+    LightNode fresh;
     ModuleObjectPrivate::fillFromVariant(&fresh, v);
     if (keepValue)
-        fresh.m_value = m_value;
-    ModuleObjectPrivate::moveInto(sender, this, &fresh, notify);
+        fresh.value = m_value;
+    ModuleObjectPrivate::moveInto(sender, this, fresh, notify);
 }
 
 QVariant ModuleObject::exportToVariant() const
 {
-    if (m_children.isEmpty())
-        return m_value;
-    if (!m_value.isValid() && isArray()) {
-        QVariantList list;
-        list.reserve(m_children.size());
-        for (const ModuleObject *child : m_children)
-            list.append(child->exportToVariant());
-        return list;
-    }
-    QVariantMap map;
-    for (const ModuleObject *child : m_children) {
-        if (!map.contains(child->m_name))
-            map.insert(child->m_name, child->exportToVariant());
-    }
-    if (m_value.isValid())
-        map.insert(QStringLiteral("@value"), m_value);
-    return map;
+    return exportNode(this);
 }
 
 QByteArray ModuleObject::exportToJson(bool compact) const
@@ -695,15 +897,7 @@ bool ModuleObject::equals(const ModuleObject *other) const
         return false;
     if (other == this)
         return true;
-    if (!ModuleObjectPrivate::sameValue(m_value, other->m_value) || m_children.size() != other->m_children.size())
-        return false;
-    for (int i = 0; i < m_children.size(); ++i) {
-        const ModuleObject *a = m_children.at(i);
-        const ModuleObject *b = other->m_children.at(i);
-        if (a->m_name != b->m_name || !a->equals(b))
-            return false;
-    }
-    return true;
+    return ModuleObjectPrivate::equal(this, other);
 }
 
 ModuleObject *ModuleObject::childByName(const QString &name) const
@@ -735,8 +929,43 @@ ModuleObject *ModuleObject::ensureChild(QObject *sender, const QString &name, bo
     return child;
 }
 
+bool ModuleObject::hasInsertListener() const
+{
+    static const QMetaMethod signal = QMetaMethod::fromSignal(&ModuleObject::childInserted);
+    return isSignalConnected(signal);
+}
+
+void ModuleObject::materialise() const
+{
+    if (m_compact.isEmpty())
+        return;
+    Q_ASSERT(m_children.isEmpty());
+    QVector<LightNode> kids = std::exchange(m_compact, QVector<LightNode>());
+    auto *self = const_cast<ModuleObject *>(this);
+    m_children.reserve(kids.size());
+    // Children nobody else shares are moved into their objects rather than copied.
+    const bool own = kids.isDetached();
+    for (int i = 0, n = kids.size(); i < n; ++i) {
+        ModuleObject *child;
+        if (own) {
+            LightNode &light = kids.data()[i];
+            child = new ModuleObject(light.name);
+            child->m_value = std::move(light.value);
+            child->m_compact = std::move(light.kids);
+        } else {
+            child = ModuleObjectPrivate::makeObject(kids.at(i));
+        }
+        child->m_parent = self;
+        child->m_index = i;
+        m_children.append(child);
+    }
+    m_byName.clear();
+    m_byNameValid = false;
+}
+
 void ModuleObject::attach(int index, ModuleObject *node)
 {
+    Q_ASSERT(m_compact.isEmpty());
     node->m_parent = this;
     if (index >= m_children.size()) {
         node->m_index = m_children.size();

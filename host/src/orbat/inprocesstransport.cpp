@@ -62,11 +62,28 @@ public:
         link->cv.notify_all();
         if (!ep)
             return;
+        closedEndpoint = ep;
         if (ep->thread() == QThread::currentThread()) {
             lock.unlock();
             ep->clientClosed();
         } else {
             QMetaObject::invokeMethod(ep, [ep] { ep->clientClosed(); }, Qt::QueuedConnection);
+        }
+    }
+    // Opening again after close(): the endpoint closed its side, so it is told the client is back
+    // (queued like requests, so it is reopened before the first one arrives).
+    void reopenEndpoint()
+    {
+        std::unique_lock<std::mutex> lock(link->mutex);
+        LineEndpoint *ep = link->endpoint;
+        if (!ep || ep != closedEndpoint)
+            return;
+        closedEndpoint.clear();
+        if (ep->thread() == QThread::currentThread()) {
+            lock.unlock();
+            ep->clientOpened();
+        } else {
+            QMetaObject::invokeMethod(ep, [ep] { ep->clientOpened(); }, Qt::QueuedConnection);
         }
     }
 
@@ -75,6 +92,7 @@ public:
     QList<QMetaObject::Connection> connections;
     bool open = false;
     bool announced = false;
+    QPointer<LineEndpoint> closedEndpoint;
 };
 
 namespace {
@@ -176,6 +194,7 @@ void InProcessTransport::open()
     if (d->open)
         return;
     d->open = true;
+    d->reopenEndpoint();
     d->postAnnounce(true);
 }
 

@@ -141,6 +141,14 @@ LineInfo classifyLine(const QByteArray &line)
                 if (!s.integer(&id))
                     return info;
                 hasId = true;
+                // A reply names its id first, before a payload that may be a whole pallet list: the
+                // head is enough to route it; the reply's parser judges the rest.
+                s.skipWs();
+                if (!hasEvent && s.peek() == ',') {
+                    info.kind = LineInfo::Reply;
+                    info.id = id;
+                    return info;
+                }
             } else {
                 if (key == "event")
                     hasEvent = s.peek() == '"';
