@@ -1,6 +1,7 @@
 #include "controller.h"
 
 #include "controllerprivate.h"
+#include "rawjson.h"
 #include "session.h"
 
 #include <orba/moduleobject.h>
@@ -66,7 +67,7 @@ Reply ControllerPrivate::handle(Session *session, const QString &op, const QStri
         static const QStringList watchable = {QStringLiteral("move.last_error_with_setting"),
                                               QStringLiteral("sys.power"), QStringLiteral("sys.posture")};
         if (!watchable.contains(method))
-            return Reply::error(MethodNotFound, QStringLiteral("\"%1\" cannot be watched").arg(method));
+            return Reply::error(MethodNotFound, QStringLiteral("\"%1\" cannot be watched").arg(rawjson::excerpt(method)));
         bool on = true;
         if (params && !protocol::readBool(params, &on))
             return Reply::error(InvalidParams, QStringLiteral("watch takes true or false"));
@@ -81,8 +82,8 @@ Reply ControllerPrivate::handle(Session *session, const QString &op, const QStri
     const auto it = handlers.constFind(op + QLatin1Char(' ') + method);
     if (it == handlers.constEnd()) {
         if (commands.contains(method))
-            return Reply::error(MethodNotFound, QStringLiteral("\"%1\" does not support op \"%2\"").arg(method, op));
-        return Reply::error(MethodNotFound, QStringLiteral("unknown command \"%1\"").arg(method));
+            return Reply::error(MethodNotFound, QStringLiteral("\"%1\" does not support op \"%2\"").arg(method, rawjson::excerpt(op)));
+        return Reply::error(MethodNotFound, QStringLiteral("unknown command \"%1\"").arg(rawjson::excerpt(method)));
     }
     return it.value()(session, params, key);
 }
@@ -175,7 +176,7 @@ bool Controller::open(QString *error)
 {
     if (d->opened)
         return true;
-    if (!d->store.open(d->options.dataDir, error))
+    if (!d->store.open(d->options.dataDir, error, &renumberedPallet))
         return false;
     d->opened = true;
     return true;
@@ -220,7 +221,21 @@ EmbeddedController::~EmbeddedController()
 bool EmbeddedController::start(QString *error)
 {
     if (m_controller)
-        return true;
+        return m_endpoint != nullptr;
+    bool ok = false;
+    launch(true, &ok, error);
+    return ok;
+}
+
+void EmbeddedController::startAsync()
+{
+    if (m_controller)
+        return;
+    launch(false, nullptr, nullptr);
+}
+
+void EmbeddedController::launch(bool wait, bool *okOut, QString *errorOut)
+{
     if (!m_thread) {
         m_thread = new QThread;
         m_thread->setObjectName(QStringLiteral("rc-controller"));
@@ -228,27 +243,30 @@ bool EmbeddedController::start(QString *error)
     }
     auto *controller = new Controller(m_options);
     controller->moveToThread(m_thread);
-    bool ok = false;
-    QString reason;
-    orbat::LineEndpoint *endpoint = nullptr;
-    QMetaObject::invokeMethod(
-        controller,
-        [controller, &ok, &reason, &endpoint] {
-            ok = controller->open(&reason);
-            if (ok)
-                endpoint = controller->createSession();
-            else
-                controller->deleteLater();
-        },
-        Qt::BlockingQueuedConnection);
-    if (!ok) {
-        if (error)
-            *error = reason;
-        return false;
-    }
+    // Held from now on, so that the destructor deletes it in its thread even while it opens: the
+    // deletion is queued behind the opening.
     m_controller = controller;
-    m_endpoint = endpoint;
-    return true;
+    auto open = [this, controller, wait, okOut, errorOut] {
+        QString reason;
+        const bool ok = controller->open(&reason);
+        orbat::LineEndpoint *endpoint = ok ? controller->createSession() : nullptr;
+        if (wait) {
+            *okOut = ok;
+            if (errorOut)
+                *errorOut = reason;
+            m_endpoint = endpoint;
+            return;
+        }
+        // Back in the owner's thread; an owner destroyed meanwhile drops the posted call.
+        QMetaObject::invokeMethod(
+            this,
+            [this, endpoint, ok, reason] {
+                m_endpoint = endpoint;
+                emit started(ok, reason);
+            },
+            Qt::QueuedConnection);
+    };
+    QMetaObject::invokeMethod(controller, open, wait ? Qt::BlockingQueuedConnection : Qt::QueuedConnection);
 }
 
 orbat::LineEndpoint *EmbeddedController::endpoint() const

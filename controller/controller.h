@@ -54,10 +54,18 @@ public:
 
     // Creates the Controller in the worker thread and opens it.
     bool start(QString *error = nullptr);
-    // The session for the in-process transport (valid after a successful start()).
+    // The same without waiting: opening a large store takes a while, and the caller's thread
+    // (the pendant's GUI) keeps running meanwhile. started() follows, in the caller's thread.
+    void startAsync();
+    // The session for the in-process transport (valid after a successful start, else null).
     orbat::LineEndpoint *endpoint() const;
 
+signals:
+    void started(bool ok, const QString &error);
+
 private:
+    void launch(bool wait, bool *ok, QString *error);
+
     Controller::Options m_options;
     QThread *m_thread = nullptr;
     Controller *m_controller = nullptr;

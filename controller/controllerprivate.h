@@ -21,6 +21,9 @@ namespace rc {
 
 class Session;
 
+// A stored pallet with its "index" set to `index` (after a removal moved it).
+QByteArray renumberedPallet(const QByteArray &json, int index);
+
 // Error numbers of "move.last_error_with_setting" beyond the path failures of SolveResult.
 enum MoveError {
     MovePowerOff = 10,

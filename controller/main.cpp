@@ -24,10 +24,39 @@ int main(int argc, char **argv)
                                  QStringLiteral("ADDR:PORT"), QStringLiteral("127.0.0.1:7878"));
     QCommandLineOption dataOpt(QStringLiteral("data"), QStringLiteral("Directory of the pallet store."), QStringLiteral("DIR"));
     QCommandLineOption legacyOpt(QStringLiteral("legacy"), QStringLiteral("Behave like an older controller without \"tray.query.one\"."));
+    QCommandLineOption idleOpt(QStringLiteral("idle-timeout"),
+                               QStringLiteral("Drop a client silent for this many seconds (0: never; default %1).")
+                                   .arg(rc::RcsimServer::kIdleTimeoutMs / 1000),
+                               QStringLiteral("SECONDS"));
+    QCommandLineOption maxConnOpt(QStringLiteral("max-connections"),
+                                  QStringLiteral("Clients served at once (default %1).").arg(rc::RcsimServer::kMaxConnections),
+                                  QStringLiteral("N"));
     parser.addOption(listenOpt);
     parser.addOption(dataOpt);
     parser.addOption(legacyOpt);
+    parser.addOption(idleOpt);
+    parser.addOption(maxConnOpt);
     parser.process(app);
+
+    double idleSeconds = rc::RcsimServer::kIdleTimeoutMs / 1000.0;
+    if (parser.isSet(idleOpt)) {
+        bool ok = false;
+        idleSeconds = parser.value(idleOpt).toDouble(&ok);
+        if (!ok || idleSeconds < 0 || idleSeconds > 24 * 3600) {
+            std::fprintf(stderr, "rcsim: --idle-timeout wants seconds between 0 and 86400, got \"%s\"\n",
+                         qPrintable(parser.value(idleOpt)));
+            return 2;
+        }
+    }
+    int maxConnections = rc::RcsimServer::kMaxConnections;
+    if (parser.isSet(maxConnOpt)) {
+        bool ok = false;
+        maxConnections = parser.value(maxConnOpt).toInt(&ok);
+        if (!ok || maxConnections < 1 || maxConnections > 4096) {
+            std::fprintf(stderr, "rcsim: --max-connections wants 1 to 4096, got \"%s\"\n", qPrintable(parser.value(maxConnOpt)));
+            return 2;
+        }
+    }
 
     const QString listen = parser.value(listenOpt);
     const int colon = listen.lastIndexOf(QLatin1Char(':'));
@@ -55,6 +84,14 @@ int main(int argc, char **argv)
         return 1;
     }
     rc::RcsimServer server(&controller);
+    server.setIdleTimeoutMs(int(idleSeconds * 1000));
+    server.setMaxConnections(maxConnections);
+    QObject::connect(&server, &rc::RcsimServer::clientDropped, [](const QString &peer, const QString &reason) {
+        std::fprintf(stderr, "rcsim: dropped %s: %s\n", qPrintable(peer), qPrintable(reason));
+    });
+    QObject::connect(&server, &rc::RcsimServer::acceptPaused, [](const QString &reason) {
+        std::fprintf(stderr, "rcsim: cannot accept (%s), pausing\n", qPrintable(reason));
+    });
     if (!server.listen(address, quint16(port), &error)) {
         std::fprintf(stderr, "rcsim: cannot listen on %s: %s\n", qPrintable(listen), qPrintable(error));
         return 1;

@@ -1,7 +1,10 @@
 #include "palletstore.h"
 
+#include "rawjson.h"
+
 #include <QAtomicInt>
 #include <QDir>
+#include <QLockFile>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -53,6 +56,22 @@ bool run(QSqlQuery &q, QString *error)
     return false;
 }
 
+// A change that touched other rows than it meant to was raced by someone writing the same
+// file behind the lock's back: refuse it rather than acknowledge a write that did not happen.
+bool runExpecting(QSqlQuery &q, int rows, const QString &what, QString *error)
+{
+    if (!run(q, error))
+        return false;
+    const int changed = q.numRowsAffected();
+    if (changed == rows)
+        return true;
+    setError(error, QStringLiteral("%1 changed %2 rows instead of %3: the store was changed by another writer")
+                        .arg(what)
+                        .arg(changed)
+                        .arg(rows));
+    return false;
+}
+
 } // namespace
 
 PalletStore::PalletStore()
@@ -69,6 +88,8 @@ PalletStore::~PalletStore()
         }
         QSqlDatabase::removeDatabase(m_connection);
     }
+    // The lock goes last, after the database is closed.
+    m_lock.reset();
 }
 
 bool PalletStore::exec(const QString &sql, QString *error)
@@ -80,7 +101,7 @@ bool PalletStore::exec(const QString &sql, QString *error)
     return false;
 }
 
-bool PalletStore::open(const QString &dataDir, QString *error)
+bool PalletStore::open(const QString &dataDir, QString *error, Renumber renumber)
 {
     if (m_open)
         return true;
@@ -90,6 +111,23 @@ bool PalletStore::open(const QString &dataDir, QString *error)
     }
     if (!QDir().mkpath(dataDir)) {
         setError(error, QStringLiteral("cannot create %1").arg(dataDir));
+        return false;
+    }
+    auto lock = std::make_unique<QLockFile>(QDir(dataDir).filePath(QStringLiteral("trays.lock")));
+    // Held for as long as the controller runs: never stale by age, only when its owner is gone.
+    lock->setStaleLockTime(0);
+    if (!lock->tryLock(0)) {
+        qint64 pid = 0;
+        QString host, app;
+        if (lock->error() == QLockFile::LockFailedError && lock->getLockInfo(&pid, &host, &app))
+            setError(error, QStringLiteral("the pallet store in %1 is in use by %2 (pid %3 on %4)")
+                                .arg(dataDir, app.isEmpty() ? QStringLiteral("another controller") : app)
+                                .arg(pid)
+                                .arg(host));
+        else if (lock->error() == QLockFile::LockFailedError)
+            setError(error, QStringLiteral("the pallet store in %1 is in use by another controller").arg(dataDir));
+        else
+            setError(error, QStringLiteral("cannot lock the pallet store in %1").arg(dataDir));
         return false;
     }
     m_path = QDir(dataDir).filePath(QStringLiteral("trays.sqlite"));
@@ -138,29 +176,65 @@ bool PalletStore::open(const QString &dataDir, QString *error)
             return false;
         }
     }
-    if (!load(error)) {
+    if (!load(renumber, error)) {
         db.close();
         return false;
     }
+    m_lock = std::move(lock);
     m_open = true;
     return true;
 }
 
-bool PalletStore::load(QString *error)
+bool PalletStore::load(Renumber renumber, QString *error)
 {
-    QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    q.setForwardOnly(true);
-    if (!q.exec(QStringLiteral("SELECT position, name, json FROM pallets ORDER BY position"))) {
-        setError(error, q.lastError().text());
-        return false;
-    }
+    QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     QVector<Entry> entries;
-    while (q.next()) {
-        if (q.value(0).toInt() != entries.size()) {
-            setError(error, QStringLiteral("%1: pallet positions are not contiguous").arg(m_path));
+    QVector<QVariant> columnNames;
+    bool contiguous = true;
+    {
+        QSqlQuery q(db);
+        q.setForwardOnly(true);
+        if (!q.exec(QStringLiteral("SELECT position, name, json FROM pallets ORDER BY position"))) {
+            setError(error, q.lastError().text());
             return false;
         }
-        entries.append({q.value(1).toString(), q.value(2).toByteArray()});
+        while (q.next()) {
+            if (q.value(0).toLongLong() != entries.size())
+                contiguous = false;
+            Entry e;
+            e.json = q.value(2).toByteArray();
+            // The column went through SQLite's text conversion (which drops a leading byte order
+            // mark, for one); the JSON bytes did not.
+            if (!rawjson::topLevelString(e.json, QLatin1String("name"), &e.name))
+                e.name = q.value(1).toString();
+            columnNames.append(q.value(1));
+            entries.append(e);
+        }
+    }
+    if (!contiguous) {
+        // Renumbered in their order, in one transaction: all rows written anew, so that no new
+        // position collides with an old one whatever the old ones were.
+        Transaction t(db);
+        if (!t.active())
+            return setError(error, db.lastError().text()), false;
+        QSqlQuery del(db);
+        if (!del.exec(QStringLiteral("DELETE FROM pallets")))
+            return setError(error, del.lastError().text()), false;
+        QSqlQuery ins(db);
+        ins.prepare(QStringLiteral("INSERT INTO pallets (position, name, json) VALUES (?, ?, ?)"));
+        for (int i = 0; i < entries.size(); ++i) {
+            if (renumber)
+                entries[i].json = renumber(entries.at(i).json, i);
+            ins.addBindValue(i);
+            ins.addBindValue(columnNames.at(i));
+            ins.addBindValue(entries.at(i).json);
+            if (!runExpecting(ins, 1, QStringLiteral("renumbering"), error))
+                return false;
+        }
+        if (!t.commit(error))
+            return false;
+        qWarning("pallet store %s: positions were not 0..%d, renumbered in order", qPrintable(m_path),
+                 int(entries.size()) - 1);
     }
     m_entries = entries;
     return true;
@@ -186,7 +260,7 @@ bool PalletStore::append(const Entry &entry, QString *error)
     q.addBindValue(m_entries.size());
     q.addBindValue(entry.name);
     q.addBindValue(entry.json);
-    if (!t.active() || !run(q, error) || !t.commit(error))
+    if (!t.active() || !runExpecting(q, 1, QStringLiteral("adding a pallet"), error) || !t.commit(error))
         return false;
     m_entries.append(entry);
     return true;
@@ -203,13 +277,14 @@ bool PalletStore::replace(int position, const Entry &entry, QString *error)
     q.addBindValue(entry.name);
     q.addBindValue(entry.json);
     q.addBindValue(position);
-    if (!t.active() || !run(q, error) || !t.commit(error))
+    if (!t.active() || !runExpecting(q, 1, QStringLiteral("writing the pallet at %1").arg(position), error)
+        || !t.commit(error))
         return false;
     m_entries[position] = entry;
     return true;
 }
 
-bool PalletStore::remove(int position, QByteArray (*renumber)(const QByteArray &, int), QString *error)
+bool PalletStore::remove(int position, Renumber renumber, QString *error)
 {
     if (!m_open || position < 0 || position >= m_entries.size())
         return setError(error, QStringLiteral("no pallet at %1").arg(position)), false;
@@ -220,7 +295,7 @@ bool PalletStore::remove(int position, QByteArray (*renumber)(const QByteArray &
     QSqlQuery del(db);
     del.prepare(QStringLiteral("DELETE FROM pallets WHERE position = ?"));
     del.addBindValue(position);
-    if (!run(del, error))
+    if (!runExpecting(del, 1, QStringLiteral("removing the pallet at %1").arg(position), error))
         return false;
     QVector<Entry> moved;
     QSqlQuery up(db);
@@ -231,7 +306,7 @@ bool PalletStore::remove(int position, QByteArray (*renumber)(const QByteArray &
         up.addBindValue(i - 1);
         up.addBindValue(e.json);
         up.addBindValue(i);
-        if (!run(up, error))
+        if (!runExpecting(up, 1, QStringLiteral("moving the pallet at %1").arg(i), error))
             return false;
         moved.append(e);
     }
@@ -248,7 +323,11 @@ bool PalletStore::replaceAll(const QVector<Entry> &entries, QString *error)
         return setError(error, QStringLiteral("store not open")), false;
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     Transaction t(db);
-    if (!t.active() || !exec(QStringLiteral("DELETE FROM pallets"), error))
+    if (!t.active())
+        return setError(error, db.lastError().text()), false;
+    QSqlQuery clear(db);
+    clear.prepare(QStringLiteral("DELETE FROM pallets"));
+    if (!runExpecting(clear, m_entries.size(), QStringLiteral("clearing the pallets"), error))
         return false;
     QSqlQuery q(db);
     q.prepare(QStringLiteral("INSERT INTO pallets (position, name, json) VALUES (?, ?, ?)"));
@@ -256,7 +335,7 @@ bool PalletStore::replaceAll(const QVector<Entry> &entries, QString *error)
         q.addBindValue(i);
         q.addBindValue(entries.at(i).name);
         q.addBindValue(entries.at(i).json);
-        if (!run(q, error))
+        if (!runExpecting(q, 1, QStringLiteral("adding pallet %1").arg(i), error))
             return false;
     }
     if (!t.commit(error))

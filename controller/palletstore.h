@@ -4,13 +4,22 @@
 #include <QString>
 #include <QVector>
 
+#include <memory>
+
+class QLockFile;
+
 namespace rc {
 
 /*
  * The controller's pallets: one SQLite row per pallet (position, name, JSON text) in WAL mode
  * with synchronous=FULL. Every change is one transaction and returns only after the commit, so
  * a change that was acknowledged survives a kill at any moment. Reads come from a cache kept in
- * step with the committed rows.
+ * step with the committed rows, so the store has one owner at a time: a lock file in the data
+ * directory keeps a second controller (thread or process) out; the lock of a dead owner is
+ * taken over. Every change checks that it touched exactly the rows it meant to and otherwise
+ * rolls back and leaves the cache alone.
+ * A pallet's name is read back from its stored JSON (bytes kept exactly); the name column is
+ * only there for people looking into the file.
  */
 class PalletStore
 {
@@ -23,12 +32,17 @@ public:
         QByteArray json;
     };
 
+    using Renumber = QByteArray (*)(const QByteArray &json, int index);
+
     PalletStore();
     ~PalletStore();
     PalletStore(const PalletStore &) = delete;
     PalletStore &operator=(const PalletStore &) = delete;
 
-    bool open(const QString &dataDir, QString *error = nullptr);
+    // Takes the data directory's lock, then opens or creates the database. Positions that are
+    // not 0..n-1 (a store written by an older or foreign writer) are renumbered in order, with
+    // renumber(json, newIndex) rewriting each moved pallet's "index".
+    bool open(const QString &dataDir, QString *error = nullptr, Renumber renumber = nullptr);
     bool isOpen() const { return m_open; }
     QString filePath() const { return m_path; }
 
@@ -41,14 +55,15 @@ public:
     bool replace(int position, const Entry &entry, QString *error = nullptr);
     // Removes the pallet and renumbers the ones after it; renumber(json, newIndex) rewrites
     // the stored "index" of each moved pallet.
-    bool remove(int position, QByteArray (*renumber)(const QByteArray &, int), QString *error = nullptr);
+    bool remove(int position, Renumber renumber, QString *error = nullptr);
     bool replaceAll(const QVector<Entry> &entries, QString *error = nullptr);
 
 private:
     bool exec(const QString &sql, QString *error);
-    bool load(QString *error);
+    bool load(Renumber renumber, QString *error);
 
     QString m_connection;
+    std::unique_ptr<QLockFile> m_lock;
     QString m_path;
     bool m_open = false;
     QVector<Entry> m_entries;

@@ -3,6 +3,7 @@
 #include "controller.h"
 #include "controllerprivate.h"
 #include "protocol.h"
+#include "rawjson.h"
 
 #include <orba/json.h>
 #include <orba/moduleobject.h>
@@ -10,6 +11,47 @@
 #include <orbat/transport.h>
 
 namespace rc {
+
+namespace {
+
+// Node budgets per request: a pallet of 1200 places is about 62,500 nodes; the whole list
+// written at once may take what the parser allows at all; everything else is small.
+constexpr qint64 kSmallRequestNodes = 4096;
+constexpr qint64 kPalletRequestNodes = 256 * 1024;
+
+qint64 nodeBudget(const QString &op, const QString &method)
+{
+    if (method == QLatin1String("tray.add_one") || method == QLatin1String("tray.set.one"))
+        return kPalletRequestNodes;
+    if (op == QLatin1String("set") && method == QLatin1String("tray.data"))
+        return orba::json::maxJsonNodes();
+    return kSmallRequestNodes;
+}
+
+// The "id" echoed in a reply: an integer or a string, null otherwise.
+QByteArray idText(const orba::ModuleObject *idNode)
+{
+    qint64 n;
+    QString s;
+    if (protocol::readInt(idNode, &n))
+        return QByteArray::number(n);
+    if (protocol::readString(idNode, &s))
+        return protocol::toJson(s);
+    return "null";
+}
+
+// The "id" of a line that was not parsed as a whole.
+QByteArray headId(const QByteArray &line, const rawjson::RequestHead &head)
+{
+    if (!head.id.isValid() || head.id.size() > 256)
+        return "null";
+    orba::ModuleObject node;
+    if (!orba::json::read(nullptr, &node, line.mid(head.id.begin, head.id.size()), nullptr, 4))
+        return "null";
+    return idText(&node);
+}
+
+} // namespace
 
 Session::Session(Controller *controller) : m_controller(controller)
 {
@@ -20,6 +62,18 @@ Session::~Session()
 {
     if (m_controller && m_registered)
         m_controller->d_func()->sessionClosed(this);
+}
+
+QByteArray Session::rawParams() const
+{
+    return m_params.isValid() ? m_line.mid(m_params.begin, m_params.size()) : QByteArray();
+}
+
+QByteArray Session::rawParamsWithIndex(int index) const
+{
+    if (!m_params.isValid())
+        return QByteArray();
+    return rawjson::withIndex(m_line, m_params, index, m_paramsObject, m_paramsIndex);
 }
 
 void Session::setWatched(const QString &name, bool on)
@@ -47,6 +101,14 @@ void Session::clientClosed()
     m_registered = false;
 }
 
+void Session::clientOpened()
+{
+    if (!m_closed)
+        return;
+    m_closed = false;
+    m_heard.restart();
+}
+
 void Session::receiveLine(const QByteArray &line)
 {
     if (m_closed)
@@ -66,9 +128,22 @@ void Session::receiveLine(const QByteArray &line)
         return;
     }
 
+    // The method decides how big a tree the request may build: look at it before parsing, so
+    // that a short line of empty containers cannot make millions of nodes.
+    const rawjson::RequestHead head = rawjson::scanRequest(line);
+    const qint64 budget = nodeBudget(head.op, head.method);
     orba::ModuleObject request(QStringLiteral("request"));
     QString parseError;
-    if (!orba::json::read(nullptr, &request, line, &parseError)) {
+    if (!orba::json::read(nullptr, &request, line, &parseError, budget)) {
+        if (parseError.endsWith(QStringLiteral("more than %1 nodes").arg(budget))) {
+            emit sendLine(protocol::resultLine(
+                headId(line, head),
+                Reply::error(InvalidRequest, QStringLiteral("request too large: \"%1\" takes at most %2 JSON nodes, got \"%3\"")
+                                                 .arg(rawjson::excerpt(head.method))
+                                                 .arg(budget)
+                                                 .arg(rawjson::excerpt(line)))));
+            return;
+        }
         emit sendLine(protocol::resultLine("null", Reply::error(ParseError, QStringLiteral("parse error: %1").arg(parseError))));
         return;
     }
@@ -78,14 +153,8 @@ void Session::receiveLine(const QByteArray &line)
         return;
     }
     orba::ModuleObject *idNode = request.c(QStringLiteral("id"));
-    if (!idNode->isEmpty()) {
-        qint64 n;
-        QString s;
-        if (protocol::readInt(idNode, &n))
-            id = QByteArray::number(n);
-        else if (protocol::readString(idNode, &s))
-            id = protocol::toJson(s);
-    }
+    if (!idNode->isEmpty())
+        id = idText(idNode);
     QString op, method;
     if (!protocol::readString(request.c(QStringLiteral("op")), &op)) {
         emit sendLine(protocol::resultLine(id, Reply::error(InvalidRequest, QStringLiteral("\"op\" missing"))));
@@ -99,9 +168,22 @@ void Session::receiveLine(const QByteArray &line)
     QString key;
     protocol::readString(request.c(QStringLiteral("key")), &key);
 
+    // Handlers that keep a pallet store its text as received (see rawParams()).
+    if (!params->isEmpty() && head.params.isValid()) {
+        m_line = line;
+        m_params = head.params;
+        m_paramsObject = head.paramsObject;
+        m_paramsIndex = head.paramsIndex;
+    }
     QPointer<Session> self(this);
     const Reply reply = d->handle(this, op, method, params->isEmpty() ? nullptr : params, key);
-    if (self && !m_closed)
+    if (!self)
+        return;
+    m_line.clear();
+    m_params = rawjson::Span();
+    m_paramsObject = rawjson::ObjectInfo();
+    m_paramsIndex = rawjson::Span();
+    if (!m_closed)
         emit sendLine(protocol::resultLine(id, reply));
 }
 

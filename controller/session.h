@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rawjson.h"
+
 #include <orbat/lineendpoint.h>
 
 #include <QElapsedTimer>
@@ -22,6 +24,8 @@ public:
 
     void receiveLine(const QByteArray &line) override;
     void clientClosed() override;
+    // The in-process link opened again after a close: a new connection on the same session.
+    void clientOpened() override;
 
     bool isClosed() const { return m_closed; }
     bool watches(const QString &name) const { return m_watched.contains(name); }
@@ -30,6 +34,12 @@ public:
     void deliver(const QByteArray &line);
     // Time since the client's last line (or since the session began).
     qint64 msSinceHeard() const { return m_heard.elapsed(); }
+    // The text of "params" of the request being handled, exactly as received (null outside a
+    // request or when there are none).
+    QByteArray rawParams() const;
+    // That text with its top-level "index" set, from what was found while the request line was
+    // scanned; null when it cannot be spliced (see rawjson::withIndex()).
+    QByteArray rawParamsWithIndex(int index) const;
 
 private:
     QPointer<Controller> m_controller;
@@ -37,6 +47,11 @@ private:
     bool m_registered = false;
     bool m_closed = false;
     QElapsedTimer m_heard;
+    // The line being handled (shared, not copied) and where its "params" are.
+    QByteArray m_line;
+    rawjson::Span m_params;
+    rawjson::ObjectInfo m_paramsObject;
+    rawjson::Span m_paramsIndex;
 };
 
 } // namespace rc

@@ -1,4 +1,5 @@
 #include "controllerprivate.h"
+#include "rawjson.h"
 #include "session.h"
 
 #include <orba/moduleobject.h>
@@ -128,7 +129,7 @@ void ControllerPrivate::registerSysCommands()
         }
         const auto it = variables.constFind(key);
         if (it == variables.constEnd())
-            return Reply::failed(QStringLiteral("no variable \"%1\"").arg(key));
+            return Reply::failed(QStringLiteral("no variable \"%1\"").arg(rawjson::excerpt(key)));
         return Reply::ok(QVariant(protocol::poseVariant(it.value())));
     });
 }

@@ -1,12 +1,18 @@
+#include "palletstore.h"
 #include "rctestclient.h"
 
+#include <orba/json.h>
 #include <orba/modulemanager.h>
 #include <orba/moduleobject.h>
 
 #include <orbat/transport.h>
 
+#include <QDir>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -93,6 +99,89 @@ bool samePallet(const QByteArray &stored, const QByteArray &sent, int index)
     b.set(nullptr, "index", index);
     return a.equals(&b);
 }
+
+// A reply decoded so that a U+FEFF that begins a string stays (QJsonDocument, like other
+// UTF-8 decoders, takes it for a byte order mark).
+QJsonObject callKeepingMarks(RcTestClient &c, const QByteArray &method, const QByteArray &params)
+{
+    QByteArray reply = c.send("{\"id\":1,\"op\":\"exec\",\"method\":\"" + method + "\",\"params\":" + params + "}");
+    reply.replace("\xEF\xBB\xBF", "\\ufeff");
+    return QJsonDocument::fromJson(reply).object();
+}
+
+QStringList listNames(RcTestClient &c)
+{
+    QStringList out;
+    for (const QJsonValue &v : RcTestClient::data(callKeepingMarks(c, "tray.query.list", "null")).toArray())
+        out << v.toObject().value("name").toString();
+    return out;
+}
+
+// A JSON string with everything outside printable ASCII escaped, as any client may write it.
+QByteArray escaped(const QString &text)
+{
+    QByteArray out = "\"";
+    for (const QChar c : text) {
+        if (c.unicode() < 0x20 || c.unicode() >= 0x7f || c == QLatin1Char('"') || c == QLatin1Char('\\'))
+            out += "\\u" + QByteArray::number(c.unicode(), 16).rightJustified(4, '0');
+        else
+            out += char(c.unicode());
+    }
+    return out + "\"";
+}
+
+QByteArray namedPallet(const QString &name)
+{
+    return "{\"name\":" + escaped(name) + ",\"desc\":\"d\"}";
+}
+
+QString queriedName(RcTestClient &c, int position)
+{
+    return RcTestClient::data(callKeepingMarks(c, "tray.query.one", QByteArray::number(position))).toObject().value("name").toString();
+}
+
+// A second connection to the store's file, writing behind the controller's back.
+class Intruder
+{
+public:
+    explicit Intruder(const QString &dir)
+        : m_name(QStringLiteral("intruder-%1").arg(quintptr(this)))
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        db.setDatabaseName(QDir(dir).filePath("trays.sqlite"));
+        m_ok = db.open();
+    }
+    ~Intruder()
+    {
+        {
+            QSqlDatabase db = QSqlDatabase::database(m_name, false);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    bool ok() const { return m_ok; }
+    bool exec(const QString &sql)
+    {
+        QSqlQuery q(QSqlDatabase::database(m_name, false));
+        if (q.exec(sql))
+            return true;
+        qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return false;
+    }
+    QList<qint64> positions()
+    {
+        QList<qint64> out;
+        QSqlQuery q(QSqlDatabase::database(m_name, false));
+        if (q.exec(QStringLiteral("SELECT position FROM pallets ORDER BY position")))
+            while (q.next())
+                out << q.value(0).toLongLong();
+        return out;
+    }
+
+private:
+    QString m_name;
+    bool m_ok = false;
+};
 
 } // namespace
 
@@ -202,6 +291,229 @@ private slots:
         }
         QVERIFY(order.size() >= 2);
         qInfo("writes in flight at the kill that had committed: %d of 4", landed);
+    }
+
+    void namesSurviveARestart_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("byte order mark first") << QString(QChar(0xFEFF)) + "pallet";
+        QTest::newRow("reversed byte order mark first") << QString(QChar(0xFFFE)) + "pallet";
+        QTest::newRow("byte order mark alone") << QString(QChar(0xFEFF));
+        QTest::newRow("marks inside") << "a" + QString(QChar(0xFEFF)) + "b" + QString(QChar(0xFFFE));
+        QTest::newRow("noncharacter last") << "p" + QString(QChar(0xFFFF));
+        QTest::newRow("astral") << QString::fromUtf8("\xF0\x9F\x98\x80 box");
+        QTest::newRow("nul inside") << QString::fromUtf16(u"a\u0000b", 3);
+        QTest::newRow("control characters") << "a\tb\nc\x01";
+    }
+    void namesSurviveARestart()
+    {
+        QFETCH(QString, name);
+        QTemporaryDir dir;
+        {
+            RcTestClient c(false, dir.path());
+            QVERIFY2(c.opened, qPrintable(c.openError));
+            const QJsonObject r = c.call("exec", "tray.add_one", namedPallet(name));
+            QVERIFY2(RcTestClient::status(r) == 0, QJsonDocument(r).toJson().constData());
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet("plain"))), 0);
+            QCOMPARE(listNames(c), QStringList({name, "plain"}));
+        }
+        RcTestClient c(false, dir.path());
+        QVERIFY2(c.opened, qPrintable(c.openError));
+        // The name comes back exactly, so the pallet is still addressed by it...
+        QCOMPARE(listNames(c), QStringList({name, "plain"}));
+        QCOMPARE(queriedName(c, 0), name);
+        const QJsonObject set = c.call("exec", "tray.set.one", namedPallet(name));
+        QCOMPARE(RcTestClient::status(set), 0);
+        QCOMPARE(RcTestClient::data(set).toObject().value("index").toInt(), 0);
+        // ...and no second pallet can take it.
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet(name))), -1);
+        QCOMPARE(listNames(c).size(), 2);
+        const QByteArray del = "{\"index\":0,\"name\":" + escaped(name) + "}";
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", del)), 0);
+        QCOMPARE(listNames(c), QStringList({"plain"}));
+        // A rename brings the name in through the stored tree; it too survives.
+        const QString renamed = name + "2";
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.set.name", "{\"index\":0,\"name\":" + escaped(renamed) + "}")), 0);
+        const QString path = c.m_dir.path();
+        c.session.reset();
+        c.controller.reset();
+        RcTestClient again(false, dir.path());
+        QVERIFY2(again.opened, qPrintable(again.openError));
+        QCOMPARE(listNames(again), QStringList({renamed}));
+        QCOMPARE(queriedName(again, 0), renamed);
+    }
+
+    void unstorableNamesAreRefused_data()
+    {
+        QTest::addColumn<QString>("op");
+        QTest::addColumn<QString>("method");
+        QTest::addColumn<QByteArray>("params");
+        const QList<QPair<QByteArray, QByteArray>> names = {
+            {"lone high surrogate", "\"x\\ud800\""},
+            {"lone low surrogate", "\"\\udc00x\""},
+            {"swapped pair", "\"\\udc00\\ud800\""},
+        };
+        for (const auto &n : names) {
+            const QByteArray pallet = "{\"name\":" + n.second + ",\"desc\":\"d\"}";
+            QTest::addRow("%s, add", n.first.constData()) << "exec" << "tray.add_one" << pallet;
+            QTest::addRow("%s, set", n.first.constData()) << "exec" << "tray.set.one" << pallet;
+            QTest::addRow("%s, rename", n.first.constData())
+                << "exec" << "tray.set.name" << ("{\"index\":0,\"name\":" + n.second + ",\"desc\":\"d\"}");
+            QTest::addRow("%s, whole list", n.first.constData())
+                << "set" << "tray.data" << ("[{\"name\":\"keep\"}," + pallet + "]");
+        }
+    }
+    void unstorableNamesAreRefused()
+    {
+        QFETCH(QString, op);
+        QFETCH(QString, method);
+        QFETCH(QByteArray, params);
+        QTemporaryDir dir;
+        {
+            RcTestClient c(false, dir.path());
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet("keep"))), 0);
+            const QByteArray before = c.send("{\"id\":1,\"op\":\"get\",\"method\":\"tray.data\"}");
+            const QJsonObject r = c.call(op, method, params);
+            QCOMPARE(RcTestClient::errorCode(r), -32602);
+            const QString message = r.value("error").toObject().value("message").toString();
+            QVERIFY2(message.contains("surrogate"), qPrintable(message));
+            QCOMPARE(c.send("{\"id\":1,\"op\":\"get\",\"method\":\"tray.data\"}"), before);
+        }
+        RcTestClient c(false, dir.path());
+        QCOMPARE(listNames(c), QStringList({"keep"}));
+        QCOMPARE(queriedName(c, 0), QString("keep"));
+    }
+
+    void secondOwnerIsRefused()
+    {
+        QTemporaryDir dir;
+        auto first = std::make_unique<rc::PalletStore>();
+        QString error;
+        QVERIFY2(first->open(dir.path(), &error), qPrintable(error));
+        QVERIFY(first->append({"a", "{\"name\":\"a\",\"index\":0}"}, &error));
+
+        rc::PalletStore second;
+        QVERIFY(!second.open(dir.path(), &error));
+        QVERIFY2(error.contains("in use"), qPrintable(error));
+        QVERIFY(!second.isOpen());
+        QVERIFY(!second.append({"b", "{\"name\":\"b\"}"}, &error));
+
+        // A whole controller on the same directory does not start either.
+        RcTestClient c(false, dir.path());
+        QVERIFY(!c.opened);
+        QVERIFY2(c.openError.contains("in use"), qPrintable(c.openError));
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", "{\"name\":\"c\"}")), -2);
+
+        // Once the owner has gone, the store opens with what the owner wrote.
+        first.reset();
+        QVERIFY2(second.open(dir.path(), &error), qPrintable(error));
+        QCOMPARE(second.count(), 1);
+        QCOMPARE(second.at(0).name, QString("a"));
+    }
+
+    void secondProcessIsRefused()
+    {
+        QTemporaryDir dir;
+        Rcsim sim;
+        QVERIFY(sim.start(dir.path()));
+        {
+            LineClient client;
+            QVERIFY(client.connect(sim.port));
+            QVERIFY(client.send("{\"id\":1,\"op\":\"exec\",\"method\":\"tray.add_one\",\"params\":{\"name\":\"a\"}}"));
+            QVERIFY(client.reply().contains("\"status\":0"));
+        }
+        // Neither this process...
+        {
+            RcTestClient c(false, dir.path());
+            QVERIFY(!c.opened);
+            QVERIFY2(c.openError.contains("in use"), qPrintable(c.openError));
+        }
+        // ...nor a second server gets the store.
+        QProcess second;
+        second.start(QStringLiteral(RCSIM_PATH), {"--listen", "127.0.0.1:0", "--data", dir.path()});
+        QVERIFY(second.waitForFinished(10000));
+        QCOMPARE(second.exitCode(), 1);
+        const QByteArray err = second.readAllStandardError();
+        QVERIFY2(err.contains("in use"), err.constData());
+
+        // The lock of a killed owner is taken over.
+        sim.kill();
+        RcTestClient c(false, dir.path());
+        QVERIFY2(c.opened, qPrintable(c.openError));
+        QCOMPARE(listNames(c), QStringList({"a"}));
+    }
+
+    void writeWhoseRowVanishedFails()
+    {
+        QTemporaryDir dir;
+        RcTestClient c(false, dir.path());
+        for (const char *n : {"a", "b", "c"})
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet(n))), 0);
+        const QByteArray before = c.send("{\"id\":1,\"op\":\"get\",\"method\":\"tray.data\"}");
+        Intruder other(dir.path());
+        QVERIFY(other.ok());
+        QVERIFY(other.exec("DELETE FROM pallets WHERE position = 1"));
+
+        const QList<QPair<QString, QByteArray>> writes = {
+            {"tray.set.one", namedPallet("b")},
+            {"tray.set.name", "{\"index\":1,\"name\":\"bb\"}"},
+            {"tray.del_one", "{\"index\":1,\"name\":\"b\"}"},
+            // Removing the first moves the vanished one.
+            {"tray.del_one", "{\"index\":0,\"name\":\"a\"}"},
+        };
+        for (const auto &w : writes) {
+            const QJsonObject r = c.call("exec", w.first, w.second);
+            QVERIFY2(RcTestClient::status(r) == -2, qPrintable(w.first));
+            const QString msg = RcTestClient::data(r).toObject().value("msg").toString();
+            QVERIFY2(msg.contains("another writer"), qPrintable(msg));
+        }
+        const QJsonObject all = c.call("set", "tray.data", "[{\"name\":\"x\"}]");
+        QCOMPARE(RcTestClient::status(all), -2);
+        // Nothing was acknowledged, and the cache still says what it said.
+        QCOMPARE(c.send("{\"id\":1,\"op\":\"get\",\"method\":\"tray.data\"}"), before);
+        QCOMPARE(other.positions(), QList<qint64>({0, 2}));
+    }
+
+    void gapsInPositionsAreRepaired_data()
+    {
+        QTest::addColumn<QList<qint64>>("positions");
+        QTest::newRow("0, 2, 5") << QList<qint64>{0, 2, 5};
+        QTest::newRow("from 1") << QList<qint64>{1, 2, 3};
+        QTest::newRow("negative first") << QList<qint64>{-3, 0, 7};
+        QTest::newRow("far apart") << QList<qint64>{100, 2000, 30000};
+    }
+    void gapsInPositionsAreRepaired()
+    {
+        QFETCH(QList<qint64>, positions);
+        QTemporaryDir dir;
+        {
+            RcTestClient c(false, dir.path());
+            for (const char *n : {"a", "b", "c"})
+                QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet(n))), 0);
+        }
+        {
+            Intruder other(dir.path());
+            QVERIFY(other.ok());
+            // Moved out of the way first, then to the wanted places, keeping their order.
+            QVERIFY(other.exec("UPDATE pallets SET position = position + 1000000"));
+            for (int i = 0; i < 3; ++i)
+                QVERIFY(other.exec(QString("UPDATE pallets SET position = %1 WHERE position = %2").arg(positions.at(i)).arg(1000000 + i)));
+            QCOMPARE(other.positions(), positions);
+        }
+        {
+            RcTestClient c(false, dir.path());
+            QVERIFY2(c.opened, qPrintable(c.openError));
+            QCOMPARE(listNames(c), QStringList({"a", "b", "c"}));
+            for (int i = 0; i < 3; ++i) {
+                const QJsonObject one = RcTestClient::data(c.call("exec", "tray.query.one", QByteArray::number(i))).toObject();
+                QCOMPARE(one.value("index").toInt(), i);
+            }
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet("d"))), 0);
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", "{\"index\":1,\"name\":\"b\"}")), 0);
+            QCOMPARE(listNames(c), QStringList({"a", "c", "d"}));
+        }
+        Intruder other(dir.path());
+        QCOMPARE(other.positions(), QList<qint64>({0, 1, 2}));
     }
 
     void serverOverTcp()

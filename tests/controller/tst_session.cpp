@@ -6,6 +6,7 @@
 #include <orbat/inprocesstransport.h>
 #include <orbat/transport.h>
 
+#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QtTest>
 
@@ -41,6 +42,30 @@ QString poseJson(double x, double y, double z, double a, double b, double c)
         .arg(x, 0, 'g', 17).arg(y, 0, 'g', 17).arg(z, 0, 'g', 17).arg(a, 0, 'g', 17).arg(b, 0, 'g', 17).arg(c, 0, 'g', 17);
 }
 
+// The "data" of a result line, byte for byte.
+QByteArray rawData(const QByteArray &reply)
+{
+    const int at = reply.indexOf(",\"data\":");
+    if (!reply.startsWith("{\"id\":") || at < 0 || !reply.endsWith("}}"))
+        return QByteArray();
+    return reply.mid(at + 8, reply.size() - at - 8 - 2);
+}
+
+// The stored form the controller always produced: parse, set "index", write.
+QByteArray serialisedForm(const QByteArray &text, int index)
+{
+    orba::ModuleObject p;
+    if (!p.importFromJson(nullptr, text))
+        return QByteArray("unparsable");
+    p.set(nullptr, "index", index);
+    return p.exportToJson(true);
+}
+
+QByteArray exec(const QByteArray &method, const QByteArray &params, int id = 1)
+{
+    return "{\"id\":" + QByteArray::number(id) + ",\"op\":\"exec\",\"method\":\"" + method + "\",\"params\":" + params + "}";
+}
+
 QStringList names(const QJsonValue &list)
 {
     QStringList out;
@@ -57,6 +82,22 @@ class TestSession : public QObject
 
 private slots:
     void init() { orba::ModuleManager::resetRoot(); }
+
+    // A closed connection answers nothing; opened again it serves like a new one.
+    void reopenedSessionServesAgain()
+    {
+        RcTestClient c;
+        QVERIFY2(c.opened, qPrintable(c.openError));
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.query.list")), 0);
+        c.session->clientClosed();
+        QVERIFY(c.call("exec", "tray.query.list").isEmpty());
+        c.session->clientOpened();
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.query.list")), 0);
+        QCOMPARE(RcTestClient::status(c.call("set", "sys.power", "\"on\"")), 0);
+        // A session that was never closed ignores the news.
+        c.session->clientOpened();
+        QCOMPARE(RcTestClient::data(c.call("get", "sys.power")).toString(), QString("on"));
+    }
 
     void capabilities_data()
     {
@@ -387,6 +428,120 @@ private slots:
         RcTestClient again(false, dir.path());
         QVERIFY(again.opened);
         QCOMPARE(names(RcTestClient::data(again.call("exec", "tray.query.list"))), QStringList({"e"}));
+    }
+
+    void storedTextIsTheSerialisedForm()
+    {
+        RcTestClient c;
+        const QByteArray a = pallet("a", 60), b = pallet("b", 3), d = pallet("d");
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", a)), 0);
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", b)), 0);
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", d)), 0);
+        QCOMPARE(rawData(c.send(exec("tray.query.one", "0"))), serialisedForm(a, 0));
+        QCOMPARE(rawData(c.send(exec("tray.query.one", "2"))), serialisedForm(d, 2));
+        // A replacement carrying a stale index gets the controller's.
+        const QByteArray b2 = serialisedForm(pallet("b", 5), 9);
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.set.one", b2)), 0);
+        QCOMPARE(rawData(c.send(exec("tray.query.one", "1"))), serialisedForm(b2, 1));
+        // Renumbered after a removal.
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", "{\"index\":0,\"name\":\"a\"}")), 0);
+        QCOMPARE(rawData(c.send(exec("tray.query.one", "0"))), serialisedForm(b2, 0));
+        QCOMPARE(rawData(c.send(exec("tray.query.one", "1"))), serialisedForm(d, 1));
+        // A request written with spaces is stored in the compact form.
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", "{ \"name\" : \"e\", \"rows\": [1, 2] }")), 0);
+        QCOMPARE(rawData(c.send(exec("tray.query.one", "2"))), QByteArray("{\"name\":\"e\",\"rows\":[1,2],\"index\":2}"));
+        // The whole list holds the same texts.
+        QCOMPARE(rawData(c.send("{\"id\":1,\"op\":\"get\",\"method\":\"tray.data\"}")),
+                 "[" + serialisedForm(b2, 0) + "," + serialisedForm(d, 1) + ",{\"name\":\"e\",\"rows\":[1,2],\"index\":2}]");
+    }
+
+    void nodeBudget_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("refused");
+        // 15 MB of empty arrays: 5 million nodes for a command that takes none.
+        QByteArray arrays = "[";
+        arrays.reserve(15 * 1000 * 1000);
+        while (arrays.size() < 15 * 1000 * 1000 - 4)
+            arrays += "[],";
+        arrays += "[]]";
+        QTest::newRow("empty arrays for a list query") << exec("tray.query.list", arrays, 7) << true;
+        QTest::newRow("empty arrays for an unknown command") << exec("tray.fly", arrays, 7) << true;
+        QTest::newRow("empty arrays, no method") << ("{\"id\":7,\"params\":" + arrays + "}") << true;
+        // 300,000 nodes are more than any one pallet has.
+        QByteArray many = "{\"name\":\"many\",\"p\":[";
+        for (int i = 0; i < 300000; ++i)
+            many += i ? ",0" : "0";
+        many += "]}";
+        QTest::newRow("oversized pallet for tray.add_one") << exec("tray.add_one", many, 7) << true;
+        QTest::newRow("oversized pallet for tray.set.one") << exec("tray.set.one", many, 7) << true;
+        QTest::newRow("a 1200-place pallet") << exec("tray.add_one", pallet("big", 1200), 7) << false;
+        // The whole list may carry several big pallets at once.
+        QByteArray list = "[";
+        const QByteArray big = pallet("big", 1200);
+        for (int i = 0; i < 5; ++i) {
+            QByteArray one = big;
+            one.replace("\"name\":\"big\"", "\"name\":\"big" + QByteArray::number(i) + "\"");
+            list += (i ? "," : "") + one;
+        }
+        list += "]";
+        QTest::newRow("five big pallets in the whole list")
+            << QByteArray("{\"id\":7,\"op\":\"set\",\"method\":\"tray.data\",\"params\":" + list + "}") << false;
+    }
+    void nodeBudget()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, refused);
+        RcTestClient c;
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", pallet("keep"))), 0);
+        QElapsedTimer t;
+        t.start();
+        const QByteArray reply = c.send(line);
+        const qint64 ms = t.elapsed();
+        const QJsonObject r = QJsonDocument::fromJson(reply).object();
+        if (refused) {
+            QCOMPARE(RcTestClient::errorCode(r), -32600);
+            QCOMPARE(r.value("id").toInt(), 7);
+            const QString message = r.value("error").toObject().value("message").toString();
+            QVERIFY2(message.contains("request too large"), qPrintable(message));
+            // The input is quoted, but only a short excerpt of it.
+            QVERIFY2(message.size() < 220, qPrintable(message));
+            QVERIFY2(message.contains("..."), qPrintable(message));
+            // Refused before a big tree was built.
+            QVERIFY2(ms < 2000, qPrintable(QString("%1 ms").arg(ms)));
+            qInfo("refused a %d-byte request in %lld ms", int(line.size()), ms);
+            QCOMPARE(names(RcTestClient::data(c.call("exec", "tray.query.list"))), QStringList({"keep"}));
+        } else {
+            QCOMPARE(RcTestClient::status(r), 0);
+        }
+        // The session goes on.
+        QCOMPARE(RcTestClient::data(c.call("ping", "ping")).toString(), QString("pong"));
+    }
+
+    void errorsQuoteShortExcerpts_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        const QByteArray longText(20000, 'q');
+        QTest::newRow("unknown command") << ("{\"id\":1,\"op\":\"exec\",\"method\":\"" + longText + "\"}");
+        QTest::newRow("unwatchable") << ("{\"id\":1,\"op\":\"watch\",\"method\":\"" + longText + "\",\"params\":true}");
+        QTest::newRow("unknown variable") << ("{\"id\":1,\"op\":\"get\",\"method\":\"data.var\",\"key\":\"" + longText + "\"}");
+        QTest::newRow("no such pallet") << exec("tray.set.one", "{\"name\":\"" + longText + "r\"}");
+        QTest::newRow("existing name") << exec("tray.add_one", "{\"name\":\"" + longText + "\"}");
+        QTest::newRow("wrong pallet to delete") << exec("tray.del_one", "{\"index\":5,\"name\":\"" + longText + "\"}");
+        QTest::newRow("unstorable name") << exec("tray.add_one", "{\"name\":\"" + longText + "\\ud800\"}");
+    }
+    void errorsQuoteShortExcerpts()
+    {
+        QFETCH(QByteArray, line);
+        RcTestClient c;
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", "{\"name\":\"" + QByteArray(20000, 'q') + "\"}")), 0);
+        const QJsonObject r = QJsonDocument::fromJson(c.send(line)).object();
+        QString message = r.value("error").toObject().value("message").toString();
+        if (message.isEmpty())
+            message = RcTestClient::data(r).toObject().value("msg").toString();
+        QVERIFY2(!message.isEmpty(), qPrintable(QJsonDocument(r).toJson()));
+        QVERIFY2(message.size() < 200, qPrintable(message));
+        QVERIFY2(message.contains(QString(64, QChar('q')) + "..."), qPrintable(message));
     }
 
     void unopenedStoreRefusesWrites()

@@ -1,0 +1,176 @@
+#include "rcsimclient.h"
+
+#include <orba/modulemanager.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+bool isPong(const QByteArray &reply)
+{
+    return reply.contains("\"pong\"");
+}
+
+} // namespace
+
+class TestRcsimServer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { orba::ModuleManager::resetRoot(); }
+
+    void connectionsAreCapped()
+    {
+        QTemporaryDir dir;
+        ServerThread server;
+        QVERIFY2(server.start(dir.path(), [](rc::RcsimServer *s) { s->setMaxConnections(4); }), qPrintable(server.error));
+        std::vector<std::unique_ptr<LineClient>> clients;
+        for (int i = 0; i < 4; ++i) {
+            clients.push_back(std::make_unique<LineClient>());
+            QVERIFY(clients.back()->connect(server.port));
+            QVERIFY(isPong(clients.back()->ping(i)));
+        }
+        // The next one is told and closed at once.
+        LineClient extra;
+        QVERIFY(extra.connect(server.port));
+        const QByteArray notice = extra.reply(3000);
+        QVERIFY2(notice.contains("too many connections"), notice.constData());
+        QVERIFY(extra.waitClosed(3000));
+        QVERIFY(server.drops().join('\n').contains("too many connections"));
+        for (auto &c : clients)
+            QVERIFY(isPong(c->ping()));
+        // A place that frees up is taken by the next client.
+        clients.front()->socket.disconnectFromHost();
+        QTRY_COMPARE_WITH_TIMEOUT(server.connections(), 3, 3000);
+        LineClient next;
+        QVERIFY(next.connect(server.port));
+        QVERIFY(isPong(next.ping()));
+    }
+
+    void idleClientsAreDropped()
+    {
+        QTemporaryDir dir;
+        ServerThread server;
+        QVERIFY2(server.start(dir.path(), [](rc::RcsimServer *s) { s->setIdleTimeoutMs(300); }), qPrintable(server.error));
+        LineClient silent, halfLine, active;
+        QVERIFY(silent.connect(server.port));
+        QVERIFY(halfLine.connect(server.port));
+        QVERIFY(active.connect(server.port));
+        halfLine.socket.write("{\"id\":1,\"op\":\"pi");
+        halfLine.socket.flush();
+        QElapsedTimer t;
+        t.start();
+        while (t.elapsed() < 1000) {
+            QVERIFY(isPong(active.ping()));
+            QThread::msleep(50);
+        }
+        QVERIFY(silent.waitClosed(3000));
+        QVERIFY(halfLine.waitClosed(3000));
+        QCOMPARE(active.socket.state(), QAbstractSocket::ConnectedState);
+        QVERIFY(isPong(active.ping()));
+        QCOMPARE(server.drops().filter("silent").size(), 2);
+        QCOMPARE(server.connections(), 1);
+    }
+
+    void unreadRepliesAreCapped()
+    {
+        QTemporaryDir dir;
+        ServerThread server;
+        QVERIFY2(server.start(dir.path(), [](rc::RcsimServer *s) { s->setMaxPendingBytes(256 * 1024); }),
+                 qPrintable(server.error));
+        LineClient writer;
+        QVERIFY(writer.connect(server.port));
+        QVERIFY(writer.send("{\"id\":1,\"op\":\"exec\",\"method\":\"tray.add_one\",\"params\":{\"name\":\"big\",\"desc\":\""
+                            + QByteArray(100 * 1000, 'x') + "\"}}"));
+        QVERIFY(writer.reply().contains("\"status\":0"));
+
+        // 300 lists of 100 kB asked for and none read: far more than the cap once the kernel's
+        // buffers are full.
+        LineClient greedy;
+        QVERIFY(greedy.connect(server.port));
+        QByteArray requests;
+        for (int i = 0; i < 300; ++i)
+            requests += "{\"id\":" + QByteArray::number(i) + ",\"op\":\"get\",\"method\":\"tray.data\"}\n";
+        greedy.socket.write(requests);
+        greedy.socket.flush();
+        // No events here: the greedy client must not read.
+        QElapsedTimer t;
+        t.start();
+        while (server.drops().filter("unread").isEmpty() && t.elapsed() < 10000)
+            QThread::msleep(20);
+        QVERIFY2(!server.drops().filter("unread").isEmpty(), qPrintable(server.drops().join('\n')));
+        QVERIFY(greedy.waitClosed(3000));
+        // The others are served as before.
+        QVERIFY(isPong(writer.ping()));
+        QCOMPARE(server.connections(), 1);
+    }
+
+    void acceptFailuresPauseInsteadOfSpinning()
+    {
+        QTemporaryDir dir;
+        RcsimProcess sim;
+        // Few descriptors: the server runs out of them long before its connection cap.
+        QVERIFY(sim.start(dir.path(), {}, "ulimit -n 40"));
+        std::vector<std::unique_ptr<QTcpSocket>> sockets;
+        for (int i = 0; i < 60; ++i) {
+            sockets.push_back(std::make_unique<QTcpSocket>());
+            sockets.back()->connectToHost(QHostAddress::LocalHost, sim.port);
+        }
+        for (auto &s : sockets)
+            QVERIFY(s->state() == QAbstractSocket::ConnectedState || s->waitForConnected(3000));
+        QThread::msleep(300);
+        const long ticksPerSecond = sysconf(_SC_CLK_TCK);
+        const qint64 before = sim.cpuTicks();
+        QThread::msleep(1000);
+        const qint64 used = sim.cpuTicks() - before;
+        qInfo("rcsim out of descriptors used %lld of %ld ticks in a second", used, ticksPerSecond);
+        QVERIFY2(used < ticksPerSecond / 4, qPrintable(QString("%1 ticks").arg(used)));
+
+        // Once descriptors are free again, new clients are served.
+        for (int i = 0; i < 40; ++i)
+            sockets[size_t(i)]->abort();
+        QElapsedTimer t;
+        t.start();
+        bool served = false;
+        while (!served && t.elapsed() < 5000) {
+            LineClient late;
+            served = late.connect(sim.port) && isPong(late.ping(1, 1000));
+        }
+        QVERIFY(served);
+        QCOMPARE(sim.process.state(), QProcess::Running);
+        sim.kill();
+        const QByteArray err = sim.process.readAllStandardError();
+        QVERIFY2(err.contains("cannot accept"), err.constData());
+    }
+
+    void commandLineOptions()
+    {
+        QTemporaryDir dir;
+        {
+            RcsimProcess sim;
+            QVERIFY(sim.start(dir.path(), {"--idle-timeout", "0.3", "--max-connections", "1"}));
+            LineClient first;
+            QVERIFY(first.connect(sim.port));
+            QVERIFY(isPong(first.ping()));
+            LineClient second;
+            QVERIFY(second.connect(sim.port));
+            QVERIFY(second.reply(3000).contains("too many connections"));
+            // The first falls silent and is dropped.
+            QVERIFY(first.waitClosed(3000));
+        }
+        for (const QStringList &bad : {QStringList{"--idle-timeout", "soon"}, QStringList{"--max-connections", "0"}}) {
+            QProcess p;
+            p.start(QStringLiteral(RCSIM_PATH), QStringList{"--listen", "127.0.0.1:0", "--data", dir.path()} + bad);
+            QVERIFY(p.waitForFinished(5000));
+            QCOMPARE(p.exitCode(), 2);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRcsimServer)
+#include "tst_rcsimserver.moc"
