@@ -129,13 +129,21 @@ void Shell::attachController()
         if (!options.dataDir.isEmpty())
             QDir().mkpath(options.dataDir);
         m_embedded = std::make_unique<rc::EmbeddedController>(options);
-        QString error;
-        if (!m_embedded->start(&error)) {
-            report(QStringLiteral("error"), tr("Controller not started"), error);
-            m_embedded.reset();
-            return;
-        }
-        m_transport = std::make_unique<orbat::InProcessTransport>(m_embedded->endpoint());
+        // Opening a store of many full pallets takes a moment: the window shows meanwhile, and the
+        // link comes up (the modules load their data) once the controller is ready.
+        auto *transport = new orbat::InProcessTransport;
+        m_transport.reset(transport);
+        connect(m_embedded.get(), &rc::EmbeddedController::started, this,
+                [this, transport](bool ok, const QString &error) {
+                    if (m_transport.get() != transport)
+                        return;
+                    if (!ok) {
+                        report(QStringLiteral("error"), tr("Controller not started"), error);
+                        return;
+                    }
+                    transport->attach(m_embedded->endpoint());
+                });
+        m_embedded->startAsync();
     }
     tservice()->setTransport(m_transport.get());
 }

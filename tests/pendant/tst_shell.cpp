@@ -41,6 +41,8 @@ private slots:
     void cleanup();
     void startsWithoutModuleDirectory();
     void startsWithoutController();
+    void windowDoesNotWaitForTheStore();
+    void unopenableStoreIsReported();
     void loadsTestModule();
     void pageOption_data();
     void pageOption();
@@ -104,6 +106,35 @@ void TestShell::startsWithoutController()
     // Modules still load and show their pages.
     QCOMPARE(shell.loader()->modules().size(), 1);
     QVERIFY(shell.window()->showPage(QStringLiteral("pendanttest.page")));
+}
+
+void TestShell::windowDoesNotWaitForTheStore()
+{
+    Shell shell(options());
+    shell.start();
+    // The store opens in the controller's thread; the link comes up through the event loop only.
+    QVERIFY(shell.transport());
+    QVERIFY(!shell.transport()->isConnected());
+    shell.window()->show();
+    QVERIFY(QTest::qWaitForWindowExposed(shell.window()));
+    QVERIFY(EmbeddedLink::waitConnected(true));
+    QVERIFY(shell.failures().isEmpty());
+}
+
+void TestShell::unopenableStoreIsReported()
+{
+    // A plain file where the data directory should be: the store cannot open.
+    ShellOptions o = options();
+    QFile blocker(o.dataDir);
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    Shell shell(o);
+    shell.start();
+    shell.window()->show();
+    QTRY_VERIFY(logHas(QStringLiteral("error"), QStringLiteral("Controller not started")));
+    QCOMPARE(shell.failures().size(), 1);
+    QVERIFY(!shell.window()->statusBar()->isLinkUp());
+    QVERIFY(!EmbeddedLink::waitConnected(true, 300));
 }
 
 void TestShell::loadsTestModule()

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "module/pointgen.h"
 #include "module/tpallet.h"
+#include "pages/newpalletdialog.h"
 
 #include <orba/json.h>
 #include <orba/log.h>
@@ -129,6 +131,31 @@ public:
         pallet->set(nullptr, QStringLiteral("index"), pallets->cmobjCount() - 1, true);
         pallet->set(nullptr, QStringLiteral("pattern.row"), row, true);
         pallet->set(nullptr, QStringLiteral("pattern.col"), col, true);
+        return pallet;
+    }
+
+    // A pallet with every place generated and every pose taught; seed varies origin, order and values.
+    static orba::ModuleObject *addFullPallet(const QString &name, int rows, int cols, int seed)
+    {
+        orba::ModuleObject *pallet = addLocalPallet(name, rows, cols, QStringLiteral("desc of %1").arg(name));
+        pallet->set(nullptr, QStringLiteral("pattern.s_type"), seed % 2 == 0, true);
+        pallet->set(nullptr, QStringLiteral("pattern.origin"), seed % 4, true);
+        NewPalletDialog::initPallet(pallet);
+        pallet->set(nullptr, QStringLiteral("calibrate.x_span"), 1.2 + seed * 1e-3, true);
+        pallet->set(nullptr, QStringLiteral("calibrate.y_span"), 0.8 + seed / 7.0, true);
+        pallet->set(nullptr, QStringLiteral("calibrate.x_offset_13"), 0.013, true);
+        pallet->set(nullptr, QStringLiteral("calibrate.x_offset_24"), 0.1 / 3.0, true);
+        pallet->set(nullptr, QStringLiteral("calibrate.y_offset_34"), -0.0, true);
+        for (const char *key : {"wobj", "approach", "retract"}) {
+            orba::ModuleObject *pose = pallet->r(QStringLiteral("waypoint.%1").arg(QLatin1String(key)));
+            for (int k = 0; k < 3; ++k) {
+                pose->set(nullptr, QStringLiteral("trans.#%1").arg(k), 0.3 + k / 3.0 + seed * 1e-9, true);
+                pose->set(nullptr, QStringLiteral("rot.#%1").arg(k), 3.141592653589793 / (k + 2), true);
+            }
+            for (int k = 0; k < 6; ++k)
+                pose->set(nullptr, QStringLiteral("near.#%1").arg(k), -0.1 * k - 1e-17, true);
+        }
+        tpallet::generatePoints1(pallet, nullptr);
         return pallet;
     }
 

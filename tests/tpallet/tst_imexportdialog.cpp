@@ -84,30 +84,6 @@ void choose(tFileDialog *d, const QString &path)
 }
 
 // A pallet with every key the module writes, as the controller keeps it.
-orba::ModuleObject *addFullPallet(const QString &name, int rows, int cols, int seed)
-{
-    orba::ModuleObject *pallet = PalletFixture::addLocalPallet(name, rows, cols, QStringLiteral("desc of %1").arg(name));
-    pallet->set(nullptr, QStringLiteral("pattern.s_type"), seed % 2 == 0, true);
-    pallet->set(nullptr, QStringLiteral("pattern.origin"), seed % 4, true);
-    NewPalletDialog::initPallet(pallet);
-    pallet->set(nullptr, QStringLiteral("calibrate.x_span"), 1.2 + seed * 1e-3, true);
-    pallet->set(nullptr, QStringLiteral("calibrate.y_span"), 0.8 + seed / 7.0, true);
-    pallet->set(nullptr, QStringLiteral("calibrate.x_offset_13"), 0.013, true);
-    pallet->set(nullptr, QStringLiteral("calibrate.x_offset_24"), 0.1 / 3.0, true);
-    pallet->set(nullptr, QStringLiteral("calibrate.y_offset_34"), -0.0, true);
-    for (const char *key : {"wobj", "approach", "retract"}) {
-        orba::ModuleObject *pose = pallet->r(QStringLiteral("waypoint.%1").arg(QLatin1String(key)));
-        for (int k = 0; k < 3; ++k) {
-            pose->set(nullptr, QStringLiteral("trans.#%1").arg(k), 0.3 + k / 3.0 + seed * 1e-9, true);
-            pose->set(nullptr, QStringLiteral("rot.#%1").arg(k), 3.141592653589793 / (k + 2), true);
-        }
-        for (int k = 0; k < 6; ++k)
-            pose->set(nullptr, QStringLiteral("near.#%1").arg(k), -0.1 * k - 1e-17, true);
-    }
-    tpallet::generatePoints1(pallet, nullptr);
-    return pallet;
-}
-
 QByteArray listJson()
 {
     return tpallet::palletsNode()->exportToJson(true);
@@ -869,7 +845,7 @@ void TestImExportDialog::roundTripOnSimulator()
 #endif
     QList<QByteArray> stored;
     for (int i = 0; i < kPallets; ++i) {
-        orba::ModuleObject *pallet = addFullPallet(QStringLiteral("full%1").arg(i), 40, 30, i);
+        orba::ModuleObject *pallet = PalletFixture::addFullPallet(QStringLiteral("full%1").arg(i), 40, 30, i);
         QCOMPARE(pallet->r(QStringLiteral("points"))->cmobjCount(), 1200);
         const orba::MobjPtr reply = tservice()->execCommand(nullptr, QStringLiteral("tray.add_one"), pallet);
         QCOMPARE(reply->r(QStringLiteral("data.size"))->getInt(), i + 1);
@@ -936,7 +912,7 @@ void TestImExportDialog::clashesOnSimulator()
     EmbeddedLink link;
     QVERIFY2(link.start(), qPrintable(link.error()));
     for (const char *name : {"A", "B"}) {
-        orba::ModuleObject *pallet = addFullPallet(QLatin1String(name), 2, 3, 1);
+        orba::ModuleObject *pallet = PalletFixture::addFullPallet(QLatin1String(name), 2, 3, 1);
         tservice()->execCommand(nullptr, QStringLiteral("tray.add_one"), pallet);
     }
     open(false);
