@@ -202,11 +202,11 @@ EmbeddedController::~EmbeddedController()
     if (m_controller) {
         // Both die in the worker thread: the store's database connection belongs to it.
         Controller *controller = m_controller;
-        orbat::LineEndpoint *endpoint = m_endpoint;
         QMetaObject::invokeMethod(
             controller,
-            [controller, endpoint] {
-                delete endpoint;
+            [this, controller] {
+                delete m_workerEndpoint;
+                m_workerEndpoint = nullptr;
                 controller->deleteLater();
             },
             Qt::BlockingQueuedConnection);
@@ -250,6 +250,7 @@ void EmbeddedController::launch(bool wait, bool *okOut, QString *errorOut)
         QString reason;
         const bool ok = controller->open(&reason);
         orbat::LineEndpoint *endpoint = ok ? controller->createSession() : nullptr;
+        m_workerEndpoint = endpoint;
         if (wait) {
             *okOut = ok;
             if (errorOut)

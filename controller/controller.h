@@ -70,6 +70,9 @@ private:
     QThread *m_thread = nullptr;
     Controller *m_controller = nullptr;
     orbat::LineEndpoint *m_endpoint = nullptr;
+    // The same session as the worker thread knows it, before the owner's thread has been told;
+    // only touched in the worker thread, so a shutdown queued behind the opening deletes it.
+    orbat::LineEndpoint *m_workerEndpoint = nullptr;
 };
 
 } // namespace rc
