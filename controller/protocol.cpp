@@ -4,6 +4,7 @@
 #include <orba/moduleobject.h>
 
 #include <cmath>
+#include <limits>
 
 namespace rc {
 
@@ -38,25 +39,47 @@ QByteArray toJson(const QVariant &v)
     return orba::json::fromVariant(v, true);
 }
 
+QVector<QByteArray> resultPieces(const QByteArray &id, const Reply &reply)
+{
+    QByteArray head = "{\"id\":";
+    head += id.isEmpty() ? QByteArray("null") : id;
+    if (reply.isError) {
+        head += ",\"error\":{\"code\":";
+        head += QByteArray::number(reply.code);
+        head += ",\"message\":";
+        head += toJson(reply.message);
+        head += "}}";
+        return {head};
+    }
+    head += ",\"result\":{\"status\":";
+    head += QByteArray::number(reply.status);
+    head += ",\"data\":";
+    QVector<QByteArray> pieces;
+    pieces.reserve(reply.parts.size() + 3);
+    pieces += head;
+    qint64 partBytes = 0;
+    for (const QByteArray &part : reply.parts)
+        partBytes += part.size();
+    if (!reply.parts.isEmpty() && partBytes > 0)
+        pieces += reply.parts;
+    else
+        pieces += reply.data.isEmpty() ? QByteArray("null") : reply.data;
+    pieces += QByteArray("}}");
+    return pieces;
+}
+
 QByteArray resultLine(const QByteArray &id, const Reply &reply)
 {
+    const QVector<QByteArray> pieces = resultPieces(id, reply);
+    if (pieces.size() == 1)
+        return pieces.first();
+    qint64 size = 0;
+    for (const QByteArray &piece : pieces)
+        size += piece.size();
     QByteArray line;
-    line.reserve(reply.data.size() + 64);
-    line += "{\"id\":";
-    line += id.isEmpty() ? QByteArray("null") : id;
-    if (reply.isError) {
-        line += ",\"error\":{\"code\":";
-        line += QByteArray::number(reply.code);
-        line += ",\"message\":";
-        line += toJson(reply.message);
-        line += "}}";
-    } else {
-        line += ",\"result\":{\"status\":";
-        line += QByteArray::number(reply.status);
-        line += ",\"data\":";
-        line += reply.data.isEmpty() ? QByteArray("null") : reply.data;
-        line += "}}";
-    }
+    line.reserve(int(qMin<qint64>(size, std::numeric_limits<int>::max() - 32)));
+    for (const QByteArray &piece : pieces)
+        line += piece;
     return line;
 }
 

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QVariant>
+#include <QVector>
 
 namespace orba {
 class ModuleObject;
@@ -27,10 +28,14 @@ struct Reply
     bool isError = false;
     int status = 0;
     QByteArray data = "null"; // JSON text of "data"
+    // When not empty, "data" is these texts one after the other instead. A reply made of stored
+    // texts (a pallet, the whole list) then goes out without being copied into one buffer.
+    QVector<QByteArray> parts;
     int code = 0;
     QString message;
 
     static Reply ok(const QByteArray &data = "null") { Reply r; r.data = data; return r; }
+    static Reply okParts(QVector<QByteArray> parts) { Reply r; r.parts = std::move(parts); return r; }
     static Reply ok(const QVariant &data);
     // Negative status with {"msg": text}.
     static Reply failed(const QString &text, int status = -1);
@@ -40,6 +45,8 @@ struct Reply
 namespace protocol {
 
 QByteArray resultLine(const QByteArray &id, const Reply &reply);
+// The same line in pieces that, joined, give resultLine(); large parts are shared, not copied.
+QVector<QByteArray> resultPieces(const QByteArray &id, const Reply &reply);
 QByteArray eventLine(const QString &name, const QByteArray &data);
 QByteArray toJson(const QVariant &v);
 

@@ -2,6 +2,7 @@
 
 #include "controller.h"
 #include "protocol.h"
+#include "session.h"
 
 #include <orbat/lineendpoint.h>
 #include <orbat/transport.h>
@@ -14,6 +15,7 @@
 #include <QTimer>
 
 #include <cerrno>
+#include <deque>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -44,7 +46,7 @@ public:
         // Room for one line of the largest size and its end; beyond that the socket stops
         // reading from the kernel instead of buffering without limit.
         socket->setReadBufferSize(qint64(orbat::Transport::maxLineBytes()) + 2);
-        m_session = server->m_controller->createSession();
+        m_session = static_cast<Session *>(server->m_controller->createSession());
         m_session->setParent(this);
 
         m_idle = new QTimer(this);
@@ -54,7 +56,9 @@ public:
         });
         heard();
 
-        connect(m_session, &orbat::LineEndpoint::sendLine, this, [this](const QByteArray &line) { send(line); });
+        connect(m_session, &orbat::LineEndpoint::sendLine, this, [this](const QByteArray &line) { send({line}); });
+        m_session->setPiecewise(true);
+        connect(m_session, &Session::sendPieces, this, [this](const QVector<QByteArray> &pieces) { send(pieces); });
         connect(socket, &QTcpSocket::readyRead, this, [this] {
             heard();
             if (!m_pumpQueued)
@@ -63,7 +67,8 @@ public:
         connect(socket, &QTcpSocket::bytesWritten, this, [this] {
             // The client takes its replies: that is no idleness, and a paused client may go on.
             heard();
-            if (m_paused && m_socket->bytesToWrite() <= RcsimServer::kPauseAboveBytes) {
+            feed();
+            if (m_paused && unsent() <= RcsimServer::kPauseAboveBytes) {
                 m_paused = false;
                 schedulePump();
             }
@@ -105,7 +110,7 @@ private:
         turn.start();
         int lines = 0;
         while (live()) {
-            if (m_socket->bytesToWrite() > RcsimServer::kPauseAboveBytes) {
+            if (unsent() > RcsimServer::kPauseAboveBytes) {
                 m_paused = true;
                 return;
             }
@@ -133,16 +138,44 @@ private:
         }
     }
 
-    void send(const QByteArray &line)
+    qint64 unsent() const { return m_socket->bytesToWrite() + m_queuedBytes; }
+
+    // Replies wait here as the pieces they were made of (shared with the store, not copied) and
+    // go to the socket, which copies what it is given, a slice at a time as the client takes
+    // them: a hundred-megabyte list costs no turn more than one slice.
+    void send(const QVector<QByteArray> &pieces)
     {
         if (!live())
             return;
-        if (m_socket->bytesToWrite() + line.size() + 1 > m_server->maxPendingBytes()) {
+        qint64 size = 1;
+        for (const QByteArray &piece : pieces)
+            size += piece.size();
+        if (unsent() + size > m_server->maxPendingBytes()) {
             drop(QStringLiteral("more than %1 bytes of replies unread").arg(m_server->maxPendingBytes()));
             return;
         }
-        m_socket->write(line);
-        m_socket->write("\n", 1);
+        for (const QByteArray &piece : pieces) {
+            if (!piece.isEmpty())
+                m_queue.push_back(piece);
+        }
+        m_queue.push_back(QByteArray(1, '\n'));
+        m_queuedBytes += size;
+        feed();
+    }
+
+    void feed()
+    {
+        while (!m_queue.empty() && m_socket->bytesToWrite() < RcsimServer::kFeedBytes && live()) {
+            const QByteArray &front = m_queue.front();
+            const qint64 n = qMin<qint64>(front.size() - m_frontOffset, RcsimServer::kFeedBytes - m_socket->bytesToWrite());
+            m_socket->write(front.constData() + m_frontOffset, n);
+            m_frontOffset += n;
+            m_queuedBytes -= n;
+            if (m_frontOffset == front.size()) {
+                m_queue.pop_front();
+                m_frontOffset = 0;
+            }
+        }
     }
 
     // The end of the connection, whoever ended it: the session stops what it started.
@@ -152,6 +185,8 @@ private:
             return;
         m_finished = true;
         m_idle->stop();
+        m_queue.clear();
+        m_queuedBytes = 0;
         m_session->clientClosed();
         m_server->connectionGone(this);
         deleteLater();
@@ -159,9 +194,12 @@ private:
 
     RcsimServer *m_server;
     QTcpSocket *m_socket;
-    orbat::LineEndpoint *m_session = nullptr;
+    Session *m_session = nullptr;
     QTimer *m_idle = nullptr;
     QString m_peer;
+    std::deque<QByteArray> m_queue;
+    qint64 m_frontOffset = 0;
+    qint64 m_queuedBytes = 0;
     bool m_pumpQueued = false;
     bool m_paused = false;
     bool m_finished = false;

@@ -37,6 +37,8 @@ public:
     static constexpr qint64 kPauseAboveBytes = qint64(4) * 1024 * 1024;
     // One connection's turn: at most this many lines or this long, then the others' turn.
     static constexpr int kLinesPerTurn = 64;
+    // Replies are handed to a socket this much at a time as it drains.
+    static constexpr qint64 kFeedBytes = qint64(1) * 1024 * 1024;
     static constexpr int kTurnMs = 5;
     // After an accept failure (out of file descriptors), accepting pauses this long.
     static constexpr int kAcceptRetryMs = 250;

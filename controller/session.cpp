@@ -183,7 +183,11 @@ void Session::receiveLine(const QByteArray &line)
     m_params = rawjson::Span();
     m_paramsObject = rawjson::ObjectInfo();
     m_paramsIndex = rawjson::Span();
-    if (!m_closed)
+    if (m_closed)
+        return;
+    if (m_piecewise)
+        emit sendPieces(protocol::resultPieces(id, reply));
+    else
         emit sendLine(protocol::resultLine(id, reply));
 }
 

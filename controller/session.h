@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QSet>
 #include <QString>
+#include <QVector>
 
 namespace rc {
 
@@ -40,12 +41,20 @@ public:
     // That text with its top-level "index" set, from what was found while the request line was
     // scanned; null when it cannot be spliced (see rawjson::withIndex()).
     QByteArray rawParamsWithIndex(int index) const;
+    // Replies go out through sendPieces() instead of sendLine(): for a link that writes pieces
+    // one after the other, so a large reply is never joined into one buffer.
+    void setPiecewise(bool on) { m_piecewise = on; }
+
+signals:
+    // One reply line (without its end) in pieces, in order; only when piecewise.
+    void sendPieces(const QVector<QByteArray> &pieces);
 
 private:
     QPointer<Controller> m_controller;
     QSet<QString> m_watched;
     bool m_registered = false;
     bool m_closed = false;
+    bool m_piecewise = false;
     QElapsedTimer m_heard;
     // The line being handled (shared, not copied) and where its "params" are.
     QByteArray m_line;

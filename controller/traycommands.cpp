@@ -130,19 +130,20 @@ void ControllerPrivate::registerTrayCommands()
                 return Reply::error(InvalidParams, QStringLiteral("\"tray.query.one\" takes the integer position"));
             if (i < 0 || i >= store.count())
                 return Reply::failed(QStringLiteral("no pallet at position %1").arg(i));
-            return Reply::ok(store.at(int(i)).json);
+            return Reply::okParts({store.at(int(i)).json});
         });
     }
 
     add(QStringLiteral("get"), QStringLiteral("tray.data"), [this](Session *, orba::ModuleObject *, const QString &) {
-        QByteArray data = "[";
+        // The stored texts themselves, shared: the list can be a hundred megabytes.
+        QVector<QByteArray> parts;
+        parts.reserve(2 * store.count() + 1);
         for (int i = 0; i < store.count(); ++i) {
-            if (i)
-                data += ',';
-            data += store.at(i).json;
+            parts += QByteArray(i ? "," : "[");
+            parts += store.at(i).json;
         }
-        data += ']';
-        return Reply::ok(data);
+        parts += QByteArray(store.count() ? "]" : "[]");
+        return Reply::okParts(parts);
     });
 
     add(QStringLiteral("set"), QStringLiteral("tray.data"), [this](Session *, orba::ModuleObject *params, const QString &) {

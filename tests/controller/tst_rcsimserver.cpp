@@ -2,6 +2,9 @@
 
 #include <orba/modulemanager.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -108,6 +111,69 @@ private slots:
         // The others are served as before.
         QVERIFY(isPong(writer.ping()));
         QCOMPARE(server.connections(), 1);
+    }
+
+    // Replies of many megabytes and small ones asked for in one go, by a client that reads only
+    // later: all of them arrive whole and in the order asked, and others are served meanwhile.
+    void largeRepliesKeepOrderAndBytes()
+    {
+        QTemporaryDir dir;
+        ServerThread server;
+        QVERIFY2(server.start(dir.path()), qPrintable(server.error));
+        LineClient writer;
+        QVERIFY(writer.connect(server.port));
+        constexpr int kPallets = 12;
+        for (int i = 0; i < kPallets; ++i) {
+            QVERIFY(writer.send("{\"id\":1,\"op\":\"exec\",\"method\":\"tray.add_one\",\"params\":{\"name\":\"p" + QByteArray::number(i)
+                                + "\",\"desc\":\"" + QByteArray(500 * 1000, char('a' + i)) + "\"}}"));
+            QVERIFY(writer.reply().contains("\"status\":0"));
+        }
+
+        LineClient late;
+        QVERIFY(late.connect(server.port));
+        QByteArray requests;
+        int id = 0;
+        for (int round = 0; round < 3; ++round) {
+            requests += "{\"id\":" + QByteArray::number(id++) + ",\"op\":\"get\",\"method\":\"tray.data\"}\n";
+            requests += "{\"id\":" + QByteArray::number(id++) + ",\"op\":\"ping\",\"method\":\"ping\"}\n";
+            requests += "{\"id\":" + QByteArray::number(id++) + ",\"op\":\"exec\",\"method\":\"tray.query.one\",\"params\":5}\n";
+        }
+        late.socket.write(requests);
+        late.socket.flush();
+        // Far more than the kernel holds is waiting for it now; the writer does not wait.
+        QThread::msleep(300);
+        QVERIFY(isPong(writer.ping()));
+
+        QByteArray firstList;
+        for (int n = 0; n < id; ++n) {
+            const QByteArray reply = late.reply(10000);
+            QVERIFY2(reply.startsWith("{\"id\":" + QByteArray::number(n) + ","), reply.left(80).constData());
+            const QJsonObject o = QJsonDocument::fromJson(reply).object();
+            QVERIFY2(!o.isEmpty(), "reply is not one JSON object");
+            const QJsonValue data = o.value("result").toObject().value("data");
+            switch (n % 3) {
+            case 0: {
+                const QJsonArray list = data.toArray();
+                QCOMPARE(list.size(), kPallets);
+                for (int i = 0; i < kPallets; ++i) {
+                    QCOMPARE(list.at(i).toObject().value("name").toString(), QString("p%1").arg(i));
+                    QCOMPARE(list.at(i).toObject().value("desc").toString(), QString(500 * 1000, QChar('a' + i)));
+                }
+                if (firstList.isEmpty())
+                    firstList = reply.mid(reply.indexOf(','));
+                QCOMPARE(reply.mid(reply.indexOf(',')), firstList);
+                break;
+            }
+            case 1:
+                QVERIFY(isPong(reply));
+                break;
+            default:
+                QCOMPARE(data.toObject().value("name").toString(), QString("p5"));
+                QCOMPARE(data.toObject().value("desc").toString().size(), 500 * 1000);
+            }
+        }
+        QVERIFY(isPong(late.ping(99)));
+        QVERIFY(server.drops().isEmpty());
     }
 
     void acceptFailuresPauseInsteadOfSpinning()

@@ -1,4 +1,5 @@
 #include "rctestclient.h"
+#include "session.h"
 
 #include <orba/modulemanager.h>
 #include <orba/moduleobject.h>
@@ -542,6 +543,46 @@ private slots:
         QVERIFY2(!message.isEmpty(), qPrintable(QJsonDocument(r).toJson()));
         QVERIFY2(message.size() < 200, qPrintable(message));
         QVERIFY2(message.contains(QString(64, QChar('q')) + "..."), qPrintable(message));
+    }
+
+    // A link that writes replies in pieces (rcsim) sends exactly the line the in-process link gets.
+    void replyPiecesJoinToTheSameLine_data()
+    {
+        QTest::addColumn<int>("pallets");
+        QTest::addColumn<QByteArray>("request");
+        QTest::newRow("whole list") << 3 << QByteArray("{\"id\":7,\"op\":\"get\",\"method\":\"tray.data\"}");
+        QTest::newRow("empty list") << 0 << QByteArray("{\"id\":7,\"op\":\"get\",\"method\":\"tray.data\"}");
+        QTest::newRow("one pallet") << 3 << exec("tray.query.one", "1", 7);
+        QTest::newRow("no such pallet") << 3 << exec("tray.query.one", "9", 7);
+        QTest::newRow("names") << 3 << QByteArray("{\"id\":\"s\",\"op\":\"exec\",\"method\":\"tray.query.list\"}");
+        QTest::newRow("error reply") << 3 << QByteArray("{\"id\":7,\"op\":\"exec\"}");
+        QTest::newRow("unparsable") << 0 << QByteArray("{\"id\":7,");
+    }
+
+    void replyPiecesJoinToTheSameLine()
+    {
+        QFETCH(int, pallets);
+        QFETCH(QByteArray, request);
+        RcTestClient c;
+        QVERIFY2(c.opened, qPrintable(c.openError));
+        for (int i = 0; i < pallets; ++i)
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", pallet(QString("p%1").arg(i), 40 * i))), 0);
+        const QByteArray line = c.send(request);
+        QVERIFY(!line.isEmpty());
+
+        std::unique_ptr<rc::Session> piecewise(static_cast<rc::Session *>(c.controller->createSession()));
+        piecewise->setPiecewise(true);
+        // Lines refused before they reach a command still come whole.
+        QList<QVector<QByteArray>> replies;
+        connect(piecewise.get(), &rc::Session::sendPieces, this, [&](const QVector<QByteArray> &p) { replies.append(p); });
+        connect(piecewise.get(), &orbat::LineEndpoint::sendLine, this, [&](const QByteArray &l) { replies.append({l}); });
+        piecewise->receiveLine(request);
+        QCOMPARE(replies.size(), 1);
+        QCOMPARE(replies.first().toList().join(), line);
+        if (QByteArray(QTest::currentDataTag()) == "whole list") {
+            // The stored texts travel as they are: one part per pallet plus the punctuation.
+            QCOMPARE(replies.first().size(), 2 + 2 * pallets + 1);
+        }
     }
 
     void unopenedStoreRefusesWrites()

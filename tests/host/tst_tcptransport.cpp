@@ -86,6 +86,21 @@ private:
             }
             if (method == "event")
                 s->write("{\"event\":\"sys.power\",\"data\":\"off\"}\n");
+            if (method == "bulk") {
+                // Events before and after a large reply, all in one write.
+                const QJsonObject p = req.value("params").toObject();
+                QByteArray out;
+                int n = 0;
+                for (int i = 0; i < p.value("before").toInt(); ++i)
+                    out += "{\"event\":\"bulk.ev\",\"data\":" + QByteArray::number(n++) + "}\n";
+                out += "{\"id\":" + id + ",\"result\":{\"status\":0,\"data\":\"" + QByteArray(p.value("size").toInt(), 'z')
+                    + "\"}}\n";
+                for (int i = 0; i < p.value("after").toInt(); ++i)
+                    out += "{\"event\":\"bulk.ev\",\"data\":" + QByteArray::number(n++) + "}\n";
+                out += p.value("tail").toString().toUtf8();
+                s->write(out);
+                continue;
+            }
             if (delayMs > 0 && req.value("op").toString() != "ping")
                 QThread::msleep(ulong(delayMs.load()));
             s->write("{\"id\":" + id + ",\"result\":{\"status\":0,\"data\":" + data + "}}\n");
@@ -114,6 +129,8 @@ private slots:
     void oversizedLineDropsLink();
     void lineAtCapIsAccepted();
     void eventsReachWatchNode();
+    void largeReplyAmongEvents_data();
+    void largeReplyAmongEvents();
     void pingsWhenIdle();
     void deadLinkIsDropped();
     void busyThreadKeepsLink_data();
@@ -276,6 +293,51 @@ void TestTcpTransport::eventsReachWatchNode()
     QCOMPARE(node->getString(), QString("off"));
     run([](LineServer *s) { s->sendToClients("{\"event\":\"sys.power\",\"data\":\"off\"}\n"); });
     QTRY_COMPARE(changed.count(), 2);
+}
+
+void TestTcpTransport::largeReplyAmongEvents_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("after");
+    QTest::addColumn<QString>("tail");
+    QTest::newRow("alone") << 3000000 << 0 << 0 << QString();
+    QTest::newRow("events before") << 3000000 << 3 << 0 << QString();
+    QTest::newRow("events after") << 3000000 << 0 << 3 << QString();
+    QTest::newRow("both, and half a line") << 3000000 << 2 << 2 << QString("{\"event\":\"bulk.ev\",");
+    QTest::newRow("small reply, events after") << 10 << 0 << 5 << QString();
+}
+
+void TestTcpTransport::largeReplyAmongEvents()
+{
+    QFETCH(int, size);
+    QFETCH(int, before);
+    QFETCH(int, after);
+    QFETCH(QString, tail);
+    connectTransport();
+    orba::ModuleObject *node = tservice()->watchNode("bulk.ev");
+    QSignalSpy changed(node, &orba::ModuleObject::changed);
+    orba::ModuleObject param("param");
+    param.set(nullptr, "size", size);
+    param.set(nullptr, "before", before);
+    param.set(nullptr, "after", after);
+    param.set(nullptr, "tail", tail);
+    // Twice: the buffer left by the first big line serves the second.
+    const int rounds = tail.isEmpty() ? 2 : 1;
+    for (int round = 0; round < rounds; ++round) {
+        orba::MobjPtr reply = tservice()->execCommand(this, "bulk", &param);
+        QCOMPARE(reply->getInt(-1), 0);
+        QCOMPARE(reply->r("data")->getString(), QString(size, QChar('z')));
+        QTRY_COMPARE(changed.count(), (before + after) * (round + 1));
+        QCOMPARE(node->getInt(-1), before + after - 1);
+    }
+    if (!tail.isEmpty()) {
+        // The half line left over is completed by what comes next.
+        run([](LineServer *s) { s->sendToClients("\"data\":-5}\n"); });
+        QTRY_COMPARE(node->getInt(0), -5);
+    }
+    QVERIFY(m_transport->isConnected());
+    QCOMPARE(tservice()->execCommand(this, "sys.id")->getInt(-1), 0);
 }
 
 void TestTcpTransport::pingsWhenIdle()

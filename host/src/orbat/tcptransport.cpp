@@ -140,7 +140,12 @@ public:
         if (available <= 0)
             return true;
         probe.invalidate();
-        rx.append(socket->readAll());
+        // Straight into the line buffer: a reply can be a hundred megabytes.
+        const qint64 old = rx.size();
+        const qint64 room = qMin<qint64>(available, qint64(Transport::maxLineBytes()) + 2);
+        rx.resize(int(old + room));
+        const qint64 got = socket->read(rx.data() + old, room);
+        rx.resize(int(old + qMax<qint64>(got, 0)));
         int start = 0;
         for (;;) {
             const int nl = rx.indexOf('\n', scanFrom);
@@ -150,7 +155,21 @@ public:
                 drop();
                 return false;
             }
-            QByteArray line = rx.mid(start, nl - start);
+            QByteArray line;
+            if (start == 0 && nl >= rx.size() - nl) {
+                // A line that is most of the buffer is taken as it lies; what follows it moves.
+                QByteArray rest = rx.mid(nl + 1);
+                line = std::move(rx);
+                line.truncate(nl);
+                rx = std::move(rest);
+                scanFrom = 0;
+                if (line.endsWith('\r'))
+                    line.chop(1);
+                if (!line.trimmed().isEmpty())
+                    handleLine(line);
+                continue;
+            }
+            line = rx.mid(start, nl - start);
             start = nl + 1;
             scanFrom = start;
             if (line.endsWith('\r'))
