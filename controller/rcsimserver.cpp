@@ -4,6 +4,7 @@
 #include "protocol.h"
 #include "session.h"
 
+#include <orbat/linebuffer.h>
 #include <orbat/lineendpoint.h>
 #include <orbat/transport.h>
 
@@ -114,19 +115,23 @@ private:
                 m_paused = true;
                 return;
             }
-            if (!m_socket->canReadLine()) {
-                // A line that has not ended within the cap never will be valid.
-                if (m_socket->bytesAvailable() > orbat::Transport::maxLineBytes())
-                    drop(QStringLiteral("line longer than %1 bytes").arg(orbat::Transport::maxLineBytes()));
-                return;
-            }
             if (lines >= RcsimServer::kLinesPerTurn || turn.elapsed() >= RcsimServer::kTurnMs) {
                 schedulePump();
                 return;
             }
-            QByteArray line = m_socket->readLine(qint64(orbat::Transport::maxLineBytes()) + 2);
-            while (line.endsWith('\n') || line.endsWith('\r'))
-                line.chop(1);
+            // Lines are cut here rather than by QIODevice::readLine(), which reserves its whole
+            // limit (256 MiB) for every line it reads.
+            QByteArray line;
+            if (!m_rx.takeLine(&line)) {
+                // A line that has not ended within the cap never will be valid.
+                if (m_rx.pendingBytes() > orbat::Transport::maxLineBytes()) {
+                    drop(QStringLiteral("line longer than %1 bytes").arg(orbat::Transport::maxLineBytes()));
+                    return;
+                }
+                if (m_rx.pull(m_socket, qint64(orbat::Transport::maxLineBytes()) + 2) <= 0)
+                    return;
+                continue;
+            }
             if (line.size() > orbat::Transport::maxLineBytes()) {
                 drop(QStringLiteral("line longer than %1 bytes").arg(orbat::Transport::maxLineBytes()));
                 return;
@@ -197,6 +202,7 @@ private:
     Session *m_session = nullptr;
     QTimer *m_idle = nullptr;
     QString m_peer;
+    orbat::LineBuffer m_rx;
     std::deque<QByteArray> m_queue;
     qint64 m_frontOffset = 0;
     qint64 m_queuedBytes = 0;

@@ -62,6 +62,18 @@ struct RcsimProcess
         const QList<QByteArray> f = text.mid(text.lastIndexOf(')') + 2).split(' ');
         return f.size() > 12 ? f.at(11).toLongLong() + f.at(12).toLongLong() : -1;
     }
+    // A "Vm...:" figure of /proc/<pid>/status, in KiB (-1 when unknown).
+    qint64 statusKiB(const char *field) const
+    {
+        QFile status(QStringLiteral("/proc/%1/status").arg(process.processId()));
+        if (!status.open(QIODevice::ReadOnly))
+            return -1;
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith(field))
+                return line.mid(int(qstrlen(field))).trimmed().split(' ').value(0).toLongLong();
+        }
+        return -1;
+    }
     void kill()
     {
         ::kill(pid_t(process.processId()), SIGKILL);

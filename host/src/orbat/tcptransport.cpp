@@ -1,4 +1,5 @@
 #include <orbat/tcptransport.h>
+#include <orbat/linebuffer.h>
 
 #include "lineinfo.h"
 
@@ -28,7 +29,6 @@ public:
         if (!wantOpen || socket->state() != QAbstractSocket::UnconnectedState)
             return;
         rx.clear();
-        scanFrom = 0;
         socket->connectToHost(host, port);
         connectGuard.start(kConnectTimeoutMs);
     }
@@ -49,7 +49,6 @@ public:
         connectGuard.stop();
         ping.stop();
         rx.clear();
-        scanFrom = 0;
         if (up) {
             up = false;
             postAnnounce(false);
@@ -136,55 +135,23 @@ public:
     // when the link was dropped for an oversized line.
     bool readIncoming()
     {
-        const qint64 available = socket->bytesAvailable();
-        if (available <= 0)
+        if (socket->bytesAvailable() <= 0)
             return true;
         probe.invalidate();
-        // Straight into the line buffer: a reply can be a hundred megabytes.
-        const qint64 old = rx.size();
-        const qint64 room = qMin<qint64>(available, qint64(Transport::maxLineBytes()) + 2);
-        rx.resize(int(old + room));
-        const qint64 got = socket->read(rx.data() + old, room);
-        rx.resize(int(old + qMax<qint64>(got, 0)));
-        int start = 0;
-        for (;;) {
-            const int nl = rx.indexOf('\n', scanFrom);
-            if (nl < 0)
-                break;
-            if (nl - start > Transport::maxLineBytes()) {
+        while (rx.pull(socket, qint64(Transport::maxLineBytes()) + 2) > 0) {
+            QByteArray line;
+            while (rx.takeLine(&line)) {
+                if (line.size() > Transport::maxLineBytes()) {
+                    drop();
+                    return false;
+                }
+                if (!line.trimmed().isEmpty())
+                    handleLine(line);
+            }
+            if (rx.pendingBytes() > Transport::maxLineBytes()) {
                 drop();
                 return false;
             }
-            QByteArray line;
-            if (start == 0 && nl >= rx.size() - nl) {
-                // A line that is most of the buffer is taken as it lies; what follows it moves.
-                QByteArray rest = rx.mid(nl + 1);
-                line = std::move(rx);
-                line.truncate(nl);
-                rx = std::move(rest);
-                scanFrom = 0;
-                if (line.endsWith('\r'))
-                    line.chop(1);
-                if (!line.trimmed().isEmpty())
-                    handleLine(line);
-                continue;
-            }
-            line = rx.mid(start, nl - start);
-            start = nl + 1;
-            scanFrom = start;
-            if (line.endsWith('\r'))
-                line.chop(1);
-            if (!line.trimmed().isEmpty())
-                handleLine(line);
-        }
-        if (start > 0) {
-            rx.remove(0, start);
-            scanFrom -= start;
-        }
-        scanFrom = rx.size();
-        if (rx.size() > Transport::maxLineBytes()) {
-            drop();
-            return false;
         }
         return true;
     }
@@ -215,8 +182,7 @@ public:
     // Since the oldest ping or request sent after the last received byte; invalid when none.
     QElapsedTimer probe;
     QElapsedTimer lastTx;
-    QByteArray rx;
-    int scanFrom = 0;
+    LineBuffer rx;
     int pingMs = 2000;
     int backoffMs = kFirstBackoffMs;
     qint64 pingId = 0;
