@@ -6,6 +6,7 @@
 #include "module/pointgen.h"
 #include "module/tpallet.h"
 #include "pages/newpalletdialog.h"
+#include "pages/palletsetdialog.h"
 
 #include <orba/log.h>
 #include <orba/modulemanager.h>
@@ -30,6 +31,8 @@
 namespace {
 
 constexpr int kPallets = 100;
+// Opening a pallet this fast shows no wait to an operator.
+constexpr int kOpenMs = 300;
 
 orba::ModuleObject *makePallet(orba::ModuleObject *pallets, int n)
 {
@@ -193,8 +196,18 @@ int runOne(const QString &dataDir, bool tcp, bool legacy)
            && t.elapsed() < 600000)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
     const double loadMs = t.nsecsElapsed() / 1e6;
-    std::printf("%.1f %.1f %lld %lld %d\n", loadMs, boundMs, statusKiB("VmRSS:"), statusKiB("VmHWM:"),
-                pallets->cmobjCount());
+    // Opening the last pallet as the page's buttons do: the configuration, then the point check.
+    double openMs = 0;
+    for (int mode : {0, 4}) {
+        t.restart();
+        auto *dialog = new PalletSetDialog(pallets->c(kPallets - 1), nullptr, mode);
+        dialog->show();
+        QCoreApplication::processEvents();
+        openMs = qMax(openMs, t.nsecsElapsed() / 1e6);
+        delete dialog;
+    }
+    std::printf("%.1f %.1f %lld %lld %d %.1f\n", loadMs, boundMs, statusKiB("VmRSS:"), statusKiB("VmHWM:"),
+                pallets->cmobjCount(), openMs);
     return 0;
 }
 
@@ -222,8 +235,8 @@ int main(int argc, char **argv)
         return 1;
     }
     std::printf("%d pallets of 1200 places written in %.1f s\n\n", kPallets, t.elapsed() / 1e3);
-    std::printf("%-30s %10s %11s %7s %13s %13s\n", "load at connection", "time [ms]", "bound [ms]", "ratio",
-                "resident [MiB]", "peak [MiB]");
+    std::printf("%-30s %10s %11s %7s %13s %13s %10s\n", "load at connection", "time [ms]", "bound [ms]", "ratio",
+                "resident [MiB]", "peak [MiB]", "open [ms]");
     bool met = true;
     for (const char *link : {"embedded", "tcp"}) {
         for (const char *protocol : {"one", "whole"}) {
@@ -231,7 +244,7 @@ int main(int argc, char **argv)
             p.start(args.at(0), {QStringLiteral("--one"), dir.path(), QLatin1String(link), QLatin1String(protocol)});
             p.waitForFinished(-1);
             const QList<QByteArray> f = p.readAllStandardOutput().trimmed().split('\n').constLast().split(' ');
-            if (p.exitCode() != 0 || f.size() != 5) {
+            if (p.exitCode() != 0 || f.size() != 6) {
                 std::printf("%s/%s failed (exit %d)\n", link, protocol, p.exitCode());
                 met = false;
                 continue;
@@ -239,12 +252,15 @@ int main(int argc, char **argv)
             const double ms = f.at(0).toDouble(), bound = f.at(1).toDouble();
             const double rss = f.at(2).toDouble() / 1024, peak = f.at(3).toDouble() / 1024;
             const int count = f.at(4).toInt();
+            const double openMs = f.at(5).toDouble();
             const QString name = QStringLiteral("%1, %2").arg(QLatin1String(protocol) == QLatin1String("one") ? "per pallet" : "whole list", link);
-            std::printf("%-30s %10.0f %11.0f %7.2f %13.0f %13.0f%s\n", qPrintable(name), ms, bound, ms / bound, rss, peak,
-                        count == kPallets ? "" : "  LIST INCOMPLETE");
-            met = met && ms < 2000 && peak < 600 && count == kPallets;
+            std::printf("%-30s %10.0f %11.0f %7.2f %13.0f %13.0f %10.0f%s\n", qPrintable(name), ms, bound, ms / bound, rss,
+                        peak, openMs, count == kPallets ? "" : "  LIST INCOMPLETE");
+            met = met && ms < 2000 && peak < 600 && count == kPallets && openMs < kOpenMs;
         }
     }
-    std::printf("\ngoal (< 2 s, < 600 MiB peak, every pallet listed): %s\n", met ? "met" : "NOT met");
+    std::printf("\nopen: the slower of the last pallet's configuration and point check dialogs, shown\n"
+                "goal (< 2 s, < 600 MiB peak, every pallet listed, a pallet opens in < %d ms): %s\n", kOpenMs,
+                met ? "met" : "NOT met");
     return 0;
 }
