@@ -2,6 +2,7 @@
 // (one pallet a request, or the whole list in one reply), on the embedded controller and on rcsim
 // over TCP. Each configuration runs in a process of its own so that its resident memory is its own.
 // The bound is the same replies fetched over the same link without building any tree.
+#include "benchpallet.h"
 #include "controller.h"
 #include "module/pointgen.h"
 #include "module/tpallet.h"
@@ -36,28 +37,7 @@ constexpr int kOpenMs = 300;
 
 orba::ModuleObject *makePallet(orba::ModuleObject *pallets, int n)
 {
-    orba::ModuleObject *pallet = pallets->append(nullptr, QStringLiteral("#%1").arg(pallets->cmobjCount()));
-    pallet->copyFrom(nullptr, orba::m(QStringLiteral("tpallet.default")), true, false);
-    pallet->set(nullptr, QStringLiteral("name"), QStringLiteral("bench-pallet-%1").arg(n, 3, 10, QLatin1Char('0')), true);
-    pallet->set(nullptr, QStringLiteral("desc"), QStringLiteral("benchmark"), true);
-    pallet->set(nullptr, QStringLiteral("index"), n, true);
-    pallet->set(nullptr, QStringLiteral("pattern.row"), 40, true);
-    pallet->set(nullptr, QStringLiteral("pattern.col"), 30, true);
-    pallet->set(nullptr, QStringLiteral("pattern.s_type"), n % 2 == 0, true);
-    NewPalletDialog::initPallet(pallet);
-    pallet->set(nullptr, QStringLiteral("calibrate.x_span"), 1.2 + n * 1e-3, true);
-    pallet->set(nullptr, QStringLiteral("calibrate.y_span"), 0.8, true);
-    for (const char *key : {"wobj", "approach", "retract"}) {
-        orba::ModuleObject *pose = pallet->r(QStringLiteral("waypoint.%1").arg(QLatin1String(key)));
-        for (int k = 0; k < 3; ++k) {
-            pose->set(nullptr, QStringLiteral("trans.#%1").arg(k), 0.3 + k / 3.0 + n * 1e-9, true);
-            pose->set(nullptr, QStringLiteral("rot.#%1").arg(k), 3.141592653589793 / (k + 2), true);
-        }
-        for (int k = 0; k < 6; ++k)
-            pose->set(nullptr, QStringLiteral("near.#%1").arg(k), -0.1 * k - 1e-17, true);
-    }
-    tpallet::generatePoints1(pallet, nullptr);
-    return pallet;
+    return appendFullPallet(pallets, QStringLiteral("bench-pallet-%1").arg(n, 3, 10, QLatin1Char('0')), n, n % 2 == 0, n);
 }
 
 qint64 statusKiB(const char *field)

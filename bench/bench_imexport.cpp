@@ -1,6 +1,7 @@
 // Export and import of 20 pallets of 1200 places through the exchange dialog (the module's own
 // path: overlay on the default pallet, XML file, reading, checking, "tray.add_one" for each),
 // set against the bare XML write and read of the same tree measured in the same run.
+#include "benchpallet.h"
 #include "controller.h"
 #include "dialogs/imexportdialog.h"
 #include "dialogs/tfiledialog.h"
@@ -36,28 +37,7 @@ constexpr int kPallets = 20;
 
 orba::ModuleObject *makePallet(int n)
 {
-    orba::ModuleObject *pallets = tpallet::palletsNode();
-    orba::ModuleObject *pallet = pallets->append(nullptr, QStringLiteral("#%1").arg(pallets->cmobjCount()));
-    pallet->copyFrom(nullptr, orba::m(QStringLiteral("tpallet.default")), true, false);
-    pallet->set(nullptr, QStringLiteral("name"), QStringLiteral("bench%1").arg(n), true);
-    pallet->set(nullptr, QStringLiteral("desc"), QStringLiteral("benchmark"), true);
-    pallet->set(nullptr, QStringLiteral("pattern.row"), 40, true);
-    pallet->set(nullptr, QStringLiteral("pattern.col"), 30, true);
-    pallet->set(nullptr, QStringLiteral("pattern.s_type"), true, true);
-    NewPalletDialog::initPallet(pallet);
-    pallet->set(nullptr, QStringLiteral("calibrate.x_span"), 1.2 + n * 1e-3, true);
-    pallet->set(nullptr, QStringLiteral("calibrate.y_span"), 0.8, true);
-    for (const char *key : {"wobj", "approach", "retract"}) {
-        orba::ModuleObject *pose = pallet->r(QStringLiteral("waypoint.%1").arg(QLatin1String(key)));
-        for (int k = 0; k < 3; ++k) {
-            pose->set(nullptr, QStringLiteral("trans.#%1").arg(k), 0.3 + k / 3.0, true);
-            pose->set(nullptr, QStringLiteral("rot.#%1").arg(k), 3.141592653589793 / (k + 2), true);
-        }
-        for (int k = 0; k < 6; ++k)
-            pose->set(nullptr, QStringLiteral("near.#%1").arg(k), -0.1 * k - 1e-17, true);
-    }
-    tpallet::generatePoints1(pallet, nullptr);
-    return pallet;
+    return appendFullPallet(tpallet::palletsNode(), QStringLiteral("bench%1").arg(n), n, true);
 }
 
 // Picks `path` in the file dialog as soon as it shows.

@@ -16,8 +16,8 @@
 #include <QTimer>
 
 #include <cerrno>
-#include <deque>
 #include <cstring>
+#include <deque>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>

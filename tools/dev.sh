@@ -17,18 +17,28 @@ cmd=${1:-help}
 shift || true
 jobs=${JOBS:-$(nproc)}
 
-install_deps() {
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# Installs those of the given Debian packages that are not installed yet.
+install_missing() {
     local missing=()
-    while read -r pkg; do
-        [ -n "$pkg" ] || continue
+    for pkg in "$@"; do
         dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
-    done < "$root/.ci/packages.txt"
+    done
     [ ${#missing[@]} -eq 0 ] && return 0
     echo "Installing: ${missing[*]}"
-    local sudo=""
-    [ "$(id -u)" -eq 0 ] || sudo="sudo"
-    $sudo apt-get update -q
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}"
+    as_root apt-get update -q
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+install_deps() {
+    local packages=()
+    while read -r pkg; do
+        [ -n "$pkg" ] && packages+=("$pkg")
+    done < "$root/.ci/packages.txt"
+    install_missing "${packages[@]}"
 }
 
 build() {
@@ -45,22 +55,11 @@ run_tests() {
     ctest --test-dir "$dir" --output-on-failure -j "$jobs" --timeout 600 "$@"
 }
 
-as_root() {
-    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
-}
-
 # The arm64 half of Debian multiarch: cross compiler, arm64 Qt and SQLite driver, user-mode qemu.
 cross_packages=(crossbuild-essential-arm64 qtbase5-dev:arm64 libqt5sql5-sqlite:arm64 qemu-user-static)
 install_cross_deps() {
     dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
-    local missing=()
-    for pkg in "${cross_packages[@]}"; do
-        dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
-    done
-    [ ${#missing[@]} -eq 0 ] && return 0
-    echo "Installing: ${missing[*]}"
-    as_root apt-get update -q
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+    install_missing "${cross_packages[@]}"
 }
 
 # Tests start other aarch64 programs (rcsim, the picture generator), so the kernel must hand
@@ -81,14 +80,7 @@ enable_binfmt() {
 # and llvm-symbolizer for readable stacks.
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14)
 install_fuzz_deps() {
-    local missing=()
-    for pkg in "${fuzz_packages[@]}"; do
-        dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
-    done
-    [ ${#missing[@]} -eq 0 ] && return 0
-    echo "Installing: ${missing[*]}"
-    as_root apt-get update -q
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+    install_missing "${fuzz_packages[@]}"
 }
 
 # Each target over a working copy of its corpus (new finds land there, fuzz/corpus/ stays as it is);

@@ -1,5 +1,7 @@
 #include "palletstore.h"
+#include "rcsimclient.h"
 #include "rctestclient.h"
+#include "testpallets.h"
 
 #include <orba/json.h>
 #include <orba/modulemanager.h>
@@ -21,75 +23,7 @@
 
 namespace {
 
-struct Rcsim
-{
-    QProcess process;
-    quint16 port = 0;
-
-    bool start(const QString &dataDir, const QStringList &extra = {})
-    {
-        process.setProgram(QStringLiteral(RCSIM_PATH));
-        process.setArguments(QStringList{"--listen", "127.0.0.1:0", "--data", dataDir} + extra);
-        process.start();
-        if (!process.waitForStarted(5000))
-            return false;
-        QByteArray out;
-        while (!out.contains('\n')) {
-            if (!process.waitForReadyRead(5000))
-                return false;
-            out += process.readAllStandardOutput();
-        }
-        const QByteArray line = out.left(out.indexOf('\n'));
-        if (!line.startsWith("rcsim listening on 127.0.0.1:"))
-            return false;
-        port = quint16(line.mid(line.lastIndexOf(':') + 1).toUInt());
-        return port != 0;
-    }
-    void kill()
-    {
-        ::kill(pid_t(process.processId()), SIGKILL);
-        process.waitForFinished(5000);
-    }
-    ~Rcsim()
-    {
-        if (process.state() != QProcess::NotRunning)
-            kill();
-    }
-};
-
-// Blocking line client for the tests.
-struct LineClient
-{
-    QTcpSocket socket;
-    bool connect(quint16 port)
-    {
-        socket.connectToHost(QHostAddress::LocalHost, port);
-        return socket.waitForConnected(3000);
-    }
-    bool send(const QByteArray &line) { return socket.write(line + '\n') == line.size() + 1; }
-    QByteArray reply(int timeoutMs = 5000)
-    {
-        while (!socket.canReadLine()) {
-            if (socket.state() != QAbstractSocket::ConnectedState || !socket.waitForReadyRead(timeoutMs))
-                return socket.canReadLine() ? socket.readLine().trimmed() : QByteArray();
-        }
-        return socket.readLine().trimmed();
-    }
-};
-
-QByteArray makePallet(const QString &name, int rev, int places, QRandomGenerator &gen)
-{
-    orba::ModuleObject p;
-    p.set(nullptr, "name", name);
-    p.set(nullptr, "rev", rev);
-    for (int i = 0; i < places; ++i) {
-        for (int j = 0; j < 3; ++j)
-            p.set(nullptr, QString("points.#%1.wobj.trans.#%2").arg(i).arg(j), gen.generateDouble());
-        for (int j = 0; j < 6; ++j)
-            p.set(nullptr, QString("points.#%1.wobj.near.#%2").arg(i).arg(j), gen.generateDouble() * 3);
-    }
-    return p.exportToJson(true);
-}
+using testpallets::revision;
 
 bool samePallet(const QByteArray &stored, const QByteArray &sent, int index)
 {
@@ -225,7 +159,7 @@ private slots:
         QStringList order;
         int landed = 0;
         for (int round = 0; round < 4; ++round) {
-            Rcsim sim;
+            RcsimProcess sim;
             QVERIFY(sim.start(dir.path()));
             LineClient client;
             QVERIFY(client.connect(sim.port));
@@ -236,7 +170,7 @@ private slots:
             for (int i = 0; i <= writes; ++i) {
                 const bool add = order.isEmpty() || gen.bounded(3) == 0;
                 const QString name = add ? QString("p%1").arg(order.size()) : order.at(int(gen.bounded(order.size())));
-                const QByteArray json = makePallet(name, round * 100 + i, 100 + int(gen.bounded(300)), gen);
+                const QByteArray json = revision(name, round * 100 + i, 100 + int(gen.bounded(300)), gen);
                 const QByteArray line = "{\"id\":" + QByteArray::number(i) + ",\"op\":\"exec\",\"method\":\""
                     + (add ? "tray.add_one" : "tray.set.one") + "\",\"params\":" + json + "}";
                 QVERIFY(client.send(line));
@@ -414,7 +348,7 @@ private slots:
     void secondProcessIsRefused()
     {
         QTemporaryDir dir;
-        Rcsim sim;
+        RcsimProcess sim;
         QVERIFY(sim.start(dir.path()));
         {
             LineClient client;
@@ -519,7 +453,7 @@ private slots:
     void serverOverTcp()
     {
         QTemporaryDir dir;
-        Rcsim sim;
+        RcsimProcess sim;
         QVERIFY(sim.start(dir.path(), {"--legacy"}));
         LineClient client;
         QVERIFY(client.connect(sim.port));
@@ -552,7 +486,7 @@ private slots:
     void motionStopsWhenTheClientDrops()
     {
         QTemporaryDir dir;
-        Rcsim sim;
+        RcsimProcess sim;
         QVERIFY(sim.start(dir.path()));
         LineClient mover;
         QVERIFY(mover.connect(sim.port));

@@ -1,5 +1,6 @@
 #include "controllerprivate.h"
 #include "rawjson.h"
+#include "testpallets.h"
 
 #include <orba/json.h>
 #include <orba/modulemanager.h>
@@ -12,40 +13,13 @@ using namespace rc;
 
 namespace {
 
-// A pallet the way the pendant sends it: its tree written compactly.
+// A pallet the way the pendant sends it, with the "index" of each place.
 QByteArray pendantPallet(const QString &name, int places)
 {
-    orba::ModuleObject p;
-    p.set(nullptr, "name", name);
-    p.set(nullptr, "desc", QString("pallet %1").arg(name));
-    p.set(nullptr, "pattern.row", 1);
-    p.set(nullptr, "pattern.col", places);
-    QRandomGenerator gen(11);
-    for (int i = 0; i < places; ++i) {
-        for (const char *k : {"approach", "wobj", "retract"}) {
-            const QString base = QString("points.#%1.%2.").arg(i).arg(k);
-            for (int j = 0; j < 3; ++j) {
-                p.set(nullptr, base + QString("trans.#%1").arg(j), gen.generateDouble() * 2 - 1);
-                p.set(nullptr, base + QString("rot.#%1").arg(j), gen.generateDouble() * 6 - 3);
-            }
-            for (int j = 0; j < 6; ++j)
-                p.set(nullptr, base + QString("near.#%1").arg(j), gen.generateDouble() * 6 - 3);
-        }
-        p.set(nullptr, QString("points.#%1.index").arg(i), i);
-    }
-    p.set(nullptr, "calibrate.x_span", 0.1 + 0.2);
-    return p.exportToJson(true);
+    return testpallets::full(name, places, 11, true);
 }
 
-// What the controller stored before it learnt to splice: parse, set "index", write.
-QByteArray serialisedForm(const QByteArray &text, int index)
-{
-    orba::ModuleObject p;
-    if (!p.importFromJson(nullptr, text))
-        return QByteArray("unparsable");
-    p.set(nullptr, "index", index);
-    return p.exportToJson(true);
-}
+using testpallets::serialisedForm;
 
 // The compact form a client writes for this JSON.
 QByteArray canonical(const QByteArray &text)

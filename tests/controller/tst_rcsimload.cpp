@@ -1,5 +1,6 @@
 #include "rcsimclient.h"
 #include "rctestclient.h"
+#include "testpallets.h"
 
 #include <orba/modulemanager.h>
 #include <orba/moduleobject.h>
@@ -20,27 +21,11 @@ constexpr int kFloodLines = 40000;
 
 QByteArray smallPallet(const QString &name, int rev, int places)
 {
-    orba::ModuleObject p;
-    p.set(nullptr, "name", name);
-    p.set(nullptr, "rev", rev);
     QRandomGenerator gen(quint32(rev * 31 + places));
-    for (int i = 0; i < places; ++i) {
-        for (int j = 0; j < 3; ++j)
-            p.set(nullptr, QString("points.#%1.wobj.trans.#%2").arg(i).arg(j), gen.generateDouble());
-        for (int j = 0; j < 6; ++j)
-            p.set(nullptr, QString("points.#%1.wobj.near.#%2").arg(i).arg(j), gen.generateDouble() * 3);
-    }
-    return p.exportToJson(true);
+    return testpallets::revision(name, rev, places, gen);
 }
 
-QByteArray serialisedForm(const QByteArray &text, int index)
-{
-    orba::ModuleObject p;
-    if (!p.importFromJson(nullptr, text))
-        return QByteArray("unparsable");
-    p.set(nullptr, "index", index);
-    return p.exportToJson(true);
-}
+using testpallets::serialisedForm;
 
 // A client that does what the pendant does: one request, wait for its reply, the next.
 class WellBehaved : public QObject

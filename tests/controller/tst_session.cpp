@@ -1,5 +1,6 @@
 #include "rctestclient.h"
 #include "session.h"
+#include "testpallets.h"
 
 #include <orba/modulemanager.h>
 #include <orba/moduleobject.h>
@@ -15,25 +16,7 @@ namespace {
 
 QByteArray pallet(const QString &name, int places = 0)
 {
-    orba::ModuleObject p;
-    p.set(nullptr, "name", name);
-    p.set(nullptr, "desc", QString("pallet %1").arg(name));
-    p.set(nullptr, "pattern.row", 1);
-    p.set(nullptr, "pattern.col", places);
-    QRandomGenerator gen(42);
-    for (int i = 0; i < places; ++i) {
-        for (const char *k : {"approach", "wobj", "retract"}) {
-            const QString base = QString("points.#%1.%2.").arg(i).arg(k);
-            for (int j = 0; j < 3; ++j) {
-                p.set(nullptr, base + QString("trans.#%1").arg(j), gen.generateDouble() * 2 - 1);
-                p.set(nullptr, base + QString("rot.#%1").arg(j), gen.generateDouble() * 6 - 3);
-            }
-            for (int j = 0; j < 6; ++j)
-                p.set(nullptr, base + QString("near.#%1").arg(j), gen.generateDouble() * 6 - 3);
-        }
-    }
-    p.set(nullptr, "calibrate.x_span", 0.1 + 0.2);
-    return p.exportToJson(true);
+    return testpallets::full(name, places);
 }
 
 QString poseJson(double x, double y, double z, double a, double b, double c)
@@ -52,15 +35,7 @@ QByteArray rawData(const QByteArray &reply)
     return reply.mid(at + 8, reply.size() - at - 8 - 2);
 }
 
-// The stored form the controller always produced: parse, set "index", write.
-QByteArray serialisedForm(const QByteArray &text, int index)
-{
-    orba::ModuleObject p;
-    if (!p.importFromJson(nullptr, text))
-        return QByteArray("unparsable");
-    p.set(nullptr, "index", index);
-    return p.exportToJson(true);
-}
+using testpallets::serialisedForm;
 
 QByteArray exec(const QByteArray &method, const QByteArray &params, int id = 1)
 {
