@@ -5,6 +5,7 @@
 #include "controller.h"
 #include "dialogs/imexportdialog.h"
 #include "dialogs/tfiledialog.h"
+#include "hugeheap.h"
 #include "module/pointgen.h"
 #include "module/toolset.h"
 #include "module/tpallet.h"
@@ -69,6 +70,8 @@ void pickInFileDialog(const QString &path)
 
 int main(int argc, char **argv)
 {
+    // The heap the pendant runs with (TPALLET_HUGE_HEAP=0 for the plain one).
+    hugeheap::restartWithHugePages(argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     orba::setConsoleLogEnabled(false);
@@ -150,7 +153,8 @@ int main(int argc, char **argv)
     const int onController = list->c(QStringLiteral("data"))->cmobjCount();
     const double bound = writeMs + readMs;
     const double total = exportMs + importMs;
-    std::printf("%d pallets of 1200 places, file %.1f MB, embedded controller\n\n", kPallets, bytes / 1e6);
+    std::printf("%d pallets of 1200 places, file %.1f MB, embedded controller, heap in huge pages: %s\n\n", kPallets,
+                bytes / 1e6, hugeheap::active() ? "yes" : "no");
     std::printf("%-44s %10s %12s %8s\n", "operation", "time [ms]", "bound [ms]", "ratio");
     std::printf("%-44s %10.0f %12.0f %8.2f\n", "export (overlay, write, sync)", exportMs, writeMs, exportMs / writeMs);
     std::printf("%-44s %10.0f %12.0f %8.2f\n", "import: open file (read and check)", readFileMs, readMs, readFileMs / readMs);

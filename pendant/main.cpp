@@ -1,3 +1,4 @@
+#include "hugeheap.h"
 #include "mainwindow.h"
 #include "shell.h"
 #include "shelloptions.h"
@@ -45,6 +46,7 @@ int printHelp(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
+    hugeheap::restartWithHugePages(argv);
     if (asksForHelp(argc, argv))
         return printHelp(argc, argv);
 

@@ -228,6 +228,10 @@ private slots:
     void errorsQuoteShortExcerpts_data();
     void errorsQuoteShortExcerpts();
     void negativeNanKeepsSign();
+    void doublesWrittenShortest_data();
+    void doublesWrittenShortest();
+    void largeFileWrittenInSlices_data();
+    void largeFileWrittenInSlices();
 };
 
 void TestXml::init()
@@ -988,6 +992,65 @@ void TestXml::negativeNanKeepsSign()
             QVERIFY(std::memcmp(&p, &positive, sizeof p) == 0);
         }
     }
+}
+
+void TestXml::doublesWrittenShortest_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("a tenth") << 0.1 << QByteArray("0.1");
+    QTest::newRow("sum that is not three tenths") << 0.1 + 0.2 << QByteArray("0.30000000000000004");
+    QTest::newRow("negative zero") << -0.0 << QByteArray("-0.0");
+    QTest::newRow("whole number") << 100.0 << QByteArray("100.0");
+    QTest::newRow("large power of ten") << 1e22 << QByteArray("1e+22");
+    QTest::newRow("above 2^53") << 123456789012345680.0 << QByteArray("123456789012345680.0");
+    QTest::newRow("smallest subnormal") << 5e-324 << QByteArray("5e-324");
+    QTest::newRow("largest") << 1.7976931348623157e308 << QByteArray("1.7976931348623157e+308");
+    QTest::newRow("a pose angle") << -3.12345678901234567 << QByteArray("-3.1234567890123457");
+}
+
+// The shortest text that reads back as the same double: files of many pallets are mostly numbers.
+void TestXml::doublesWrittenShortest()
+{
+    QFETCH(double, value);
+    QFETCH(QByteArray, text);
+    ModuleObject node("n");
+    node.setValue(nullptr, value);
+    const QByteArray xml = ModuleManager::toXml(&node, false);
+    QVERIFY2(xml.contains("type=\"double\">" + text + "</node>"), xml.constData());
+    ModuleObject back;
+    QVERIFY(ModuleManager::fromXml(nullptr, &back, xml));
+    QCOMPARE(back.value().userType(), int(QMetaType::Double));
+    const double read = back.getDouble();
+    QCOMPARE(std::memcmp(&read, &value, sizeof value), 0);
+}
+
+void TestXml::largeFileWrittenInSlices_data()
+{
+    QTest::addColumn<bool>("atomic");
+    QTest::newRow("atomic") << true;
+    QTest::newRow("in place") << false;
+}
+
+// A file of several full pallets goes to the disk a slice at a time and is read through the large
+// buffer: the same bytes as the text made whole, and the same tree back.
+void TestXml::largeFileWrittenInSlices()
+{
+    QFETCH(bool, atomic);
+    ModuleObject list("temp_list");
+    for (int i = 0; i < 4; ++i)
+        buildFullPallet(list.append(nullptr, QString()), i);
+    const QByteArray whole = ModuleManager::toXml(&list, true);
+    QVERIFY2(whole.size() > 12 * 1024 * 1024, qPrintable(QString::number(whole.size())));
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("tray.xml"));
+    QVERIFY2(ModuleManager::writeToXmlFile(path, &list, true, atomic), qPrintable(ModuleManager::lastError()));
+    QCOMPARE(QFileInfo(path).size(), qint64(whole.size()));
+    QVERIFY(fileBytes(path) == whole);
+    ModuleObject back;
+    QVERIFY2(ModuleManager::readFromXmlFile(nullptr, &back, path), qPrintable(ModuleManager::lastError()));
+    QVERIFY(back.equals(&list));
+    QCOMPARE(back.cmobjCount(), 4);
 }
 
 QTEST_GUILESS_MAIN(TestXml)

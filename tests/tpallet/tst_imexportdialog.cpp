@@ -125,6 +125,7 @@ private slots:
     void badFileChangesNothing();
     void palletDefects_data();
     void palletDefects();
+    void checkKeepsNumbersCompact();
     void dialogDeletedDuringImport();
     void listDeletedDuringImport();
     void dialogDeletedDuringExport();
@@ -750,6 +751,27 @@ void TestImExportDialog::palletDefects_data()
     QTest::newRow("grid place of three") << QByteArray(R"({"name":"a","calibrate":{"points":[[[0.0,0.0,1.0]]]}})")
                                          << "calibrate.points.#0.#0";
     QTest::newRow("points not an array") << QByteArray(R"({"name":"a","points":{"x":1}})") << "points";
+    QTest::newRow("way point element is an object")
+        << QByteArray(R"({"name":"a","waypoint":{"wobj":{"trans":[0,{"x":1},0],"rot":[0,0,0]}}})") << "waypoint.wobj.trans";
+    QTest::newRow("way point is an array") << QByteArray(R"({"name":"a","waypoint":{"approach":[1,2]}})")
+                                          << "waypoint.approach.trans";
+    QTest::newRow("near of seven")
+        << QByteArray(R"({"name":"a","waypoint":{"retract":{"trans":[0,0,0],"rot":[0,0,0],"near":[0,0,0,0,0,0,0]}}})")
+        << "waypoint.retract.near";
+    QTest::newRow("near is text")
+        << QByteArray(R"({"name":"a","waypoint":{"retract":{"trans":[0,0,0],"rot":[0,0,0],"near":"x"}}})")
+        << "waypoint.retract.near";
+    QTest::newRow("place rot of two")
+        << QByteArray(R"({"name":"a","points":[{"approach":{"trans":[0,0,0],"rot":[0,0]}}]})") << "points.#0.approach.rot";
+    QTest::newRow("place trans with text")
+        << QByteArray(R"({"name":"a","points":[{"approach":{"trans":[0,0,0],"rot":[0,0,0]},"wobj":{"trans":[0,"1",0],"rot":[0,0,0]}}]})")
+        << "points.#0.wobj.trans";
+    QTest::newRow("place without retract")
+        << QByteArray(R"({"name":"a","points":[{"approach":{"trans":[0,0,0],"rot":[0,0,0]},"wobj":{"trans":[0,0,0],"rot":[0,0,0]}}]})")
+        << "points.#0.retract.trans";
+    QTest::newRow("sound place, integers and a short near")
+        << QByteArray(R"({"name":"a","points":[{"approach":{"trans":[0,1,2],"rot":[0.5,0,0],"near":[1]},"wobj":{"trans":[0,0,0],"rot":[0,0,0]},"retract":{"trans":[0,0,0],"rot":[0,0,0]}}]})")
+        << "";
 }
 
 void TestImExportDialog::palletDefects()
@@ -762,6 +784,23 @@ void TestImExportDialog::palletDefects()
     QVERIFY(patch.importFromJson(nullptr, json));
     pallet.overlayFrom(nullptr, &patch);
     QCOMPARE(ImExportDialog::palletDefect(&pallet, orba::m(QStringLiteral("tpallet.default"))), defect);
+}
+
+// Checking a file looks at every number of every place without making an object of each: a file
+// of twenty full pallets holds over a million of them.
+void TestImExportDialog::checkKeepsNumbersCompact()
+{
+    orba::ModuleObject *full = PalletFixture::addFullPallet(QStringLiteral("full"), 40, 30, 1);
+    const QString file = writeList(QStringLiteral("one.xml"), {full});
+    tpallet::palletsNode()->clear(nullptr);
+    open(true);
+    const qint64 before = orba::ModuleObject::liveObjects();
+    openImportFile(file);
+    QCOMPARE(table()->rowCount(), 1);
+    // 1200 places of three poses each, each pose three arrays of up to six numbers: about 62,000
+    // nodes. What the check holds: the places and their poses, and the pallet's upper levels.
+    const qint64 made = orba::ModuleObject::liveObjects() - before;
+    QVERIFY2(made > 1200 && made < 8000, qPrintable(QString::number(made)));
 }
 
 void TestImExportDialog::dialogDeletedDuringImport()

@@ -54,11 +54,8 @@ QString nameOf(const orba::ModuleObject *pallet)
     return pallet->r(QStringLiteral("name"))->getString();
 }
 
-bool isNumber(const orba::ModuleObject *node)
+bool isNumberValue(const QVariant &v)
 {
-    if (node->cmobjCount() > 0)
-        return false;
-    const QVariant v = node->value();
     switch (v.userType()) {
     case QMetaType::Int:
     case QMetaType::LongLong:
@@ -70,16 +67,32 @@ bool isNumber(const orba::ModuleObject *node)
     }
 }
 
-bool isNumberArray(const orba::ModuleObject *node, int minCount, int maxCount)
+bool isNumber(const orba::ModuleObject *node)
 {
-    const int n = node->cmobjCount();
-    if (n < minCount || n > maxCount || node->hasValue() || !node->isArray())
+    return node->cmobjCount() == 0 && isNumberValue(node->value());
+}
+
+// An array of numbers in exported form: a list (an array node without a value of its own) whose
+// elements are all plain numbers (a leaf with children exports as a list or a map).
+bool isNumberList(const QVariant &v, int minCount, int maxCount)
+{
+    if (v.userType() != QMetaType::QVariantList)
         return false;
-    for (int i = 0; i < n; ++i) {
-        if (!isNumber(node->c(i)))
+    const QVariantList list = v.toList();
+    if (list.size() < minCount || list.size() > maxCount)
+        return false;
+    for (const QVariant &element : list) {
+        if (!isNumberValue(element))
             return false;
     }
     return true;
+}
+
+// Arrays are read through their exported form so that their elements are never turned into
+// objects: a file of twenty full pallets holds over a million numbers.
+bool isNumberArray(const orba::ModuleObject *node, int minCount, int maxCount)
+{
+    return isNumberList(node->exportToVariant(), minCount, maxCount);
 }
 
 // A leaf of the pallet has the type of the layout's leaf; an integer serves where a real is due.
@@ -99,12 +112,13 @@ QString poseDefect(const orba::ModuleObject *pose, const QString &path)
 {
     if (pose->hasValue())
         return path;
-    if (!isNumberArray(pose->r(QStringLiteral("trans")), 3, 3))
+    const QVariantMap parts = pose->exportToVariant().toMap();
+    if (!isNumberList(parts.value(QStringLiteral("trans")), 3, 3))
         return path + QStringLiteral(".trans");
-    if (!isNumberArray(pose->r(QStringLiteral("rot")), 3, 3))
+    if (!isNumberList(parts.value(QStringLiteral("rot")), 3, 3))
         return path + QStringLiteral(".rot");
-    const orba::ModuleObject *near = pose->r(QStringLiteral("near"));
-    if (!near->isNull() && !isNumberArray(near, 1, 6))
+    const QVariant near = parts.value(QStringLiteral("near"));
+    if (near.isValid() && !isNumberList(near, 1, 6))
         return path + QStringLiteral(".near");
     return QString();
 }
@@ -424,8 +438,9 @@ QString ImExportDialog::palletDefect(const orba::ModuleObject *pallet, const orb
             places += line->cmobjCount();
             if (places > kMaxPlaces)
                 return path;
-            for (int j = 0; j < line->cmobjCount(); ++j) {
-                if (!isNumberArray(line->c(j), 2, 2))
+            const QVariantList cells = line->exportToVariant().toList();
+            for (int j = 0; j < cells.size(); ++j) {
+                if (!isNumberList(cells.at(j), 2, 2))
                     return path + QStringLiteral(".#%1").arg(j);
             }
         }

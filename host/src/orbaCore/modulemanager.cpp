@@ -9,6 +9,11 @@
 #include <QSaveFile>
 #include <QXmlStreamReader>
 
+#ifdef Q_OS_LINUX
+#include <fcntl.h>
+#include <sys/mman.h>
+#endif
+
 #include <algorithm>
 #include <cmath>
 #include <climits>
@@ -194,7 +199,7 @@ void appendDoubleText(QByteArray &out, double d)
     else if (std::isinf(d))
         out.append(d > 0 ? "inf" : "-inf");
     else
-        numbers::appendDouble(out, d);
+        numbers::appendShortestDouble(out, d);
 }
 
 qint64 countNodes(NodeRef node)
@@ -263,9 +268,57 @@ void appendIndent(QByteArray &out, int depth)
         out.append("  ", 2);
 }
 
+// Where a file is written while it is being made: the text goes out a slice at a time, so a file
+// of many pallets never sits in memory whole (touching that much fresh memory costs more than
+// making the text).
+struct XmlSink
+{
+    static constexpr int kSlice = 1 << 20;
+
+    QIODevice *device = nullptr;
+    qint64 written = 0;
+    qint64 limit = 0;
+    bool failed = false;
+    QString why;
+
+    void drain(QByteArray &out)
+    {
+        if (failed || out.isEmpty())
+            return;
+        written += out.size();
+        if (written > limit) {
+            failed = true;
+            why = QStringLiteral("more than %1 bytes of XML, over the limit").arg(limit);
+        } else if (device->write(out) != out.size()) {
+            failed = true;
+            why = device->errorString();
+        } else {
+            startWriteBack();
+        }
+        out.resize(0);
+    }
+
+    // Files are committed to the disk at the end (a USB disk may be pulled right after): letting
+    // the disk take what is written while the rest is being made leaves little for that wait.
+    void startWriteBack()
+    {
+#ifdef Q_OS_LINUX
+        constexpr qint64 kStep = 8 * kSlice;
+        auto *file = qobject_cast<QFileDevice *>(device);
+        if (!file || written - started < kStep || !file->flush())
+            return;
+        if (file->handle() >= 0)
+            sync_file_range(file->handle(), started, written - started, SYNC_FILE_RANGE_WRITE);
+        started = written;
+#endif
+    }
+
+    qint64 started = 0;
+};
+
 // indentBefore is false for a first child that follows its parent's value text: the writer's
 // auto-formatting never puts white space into a value.
-void writeNode(QByteArray &out, NodeRef node, int depth, bool indent, bool indentBefore)
+void writeNode(QByteArray &out, NodeRef node, int depth, bool indent, bool indentBefore, XmlSink *sink = nullptr)
 {
     if (indent && indentBefore)
         appendIndent(out, depth);
@@ -317,8 +370,11 @@ void writeNode(QByteArray &out, NodeRef node, int depth, bool indent, bool inden
         }
         out.append('>');
     }
-    for (int i = 0; i < count; ++i)
-        writeNode(out, node->c(i), depth + 1, indent, !(hasText && i == 0));
+    for (int i = 0; i < count; ++i) {
+        writeNode(out, node->c(i), depth + 1, indent, !(hasText && i == 0), sink);
+        if (sink && out.size() >= XmlSink::kSlice)
+            sink->drain(out);
+    }
     if (indent && count > 0)
         appendIndent(out, depth);
     out.append("</node>", 7);
@@ -1122,6 +1178,55 @@ bool parseXml(const QByteArray &xml, LightNode *fresh, QString *error, qint64 ma
     return true;
 }
 
+// The bytes of a file being read. A file of many pallets is tens of megabytes: read into ordinary
+// memory, every 4 KiB page of it is a fault of its own, and on a virtual machine those faults cost
+// more than reading and parsing the file. Large buffers are therefore asked for in huge pages.
+class ReadBuffer
+{
+public:
+    ReadBuffer() = default;
+    ReadBuffer(const ReadBuffer &) = delete;
+    ReadBuffer &operator=(const ReadBuffer &) = delete;
+    ~ReadBuffer()
+    {
+#ifdef Q_OS_LINUX
+        if (m_mapped)
+            munmap(m_mapped, m_mappedLength);
+#endif
+    }
+
+    // Reads up to max bytes. The result refers to this buffer: it must not outlive it.
+    QByteArray read(QFile *file, qint64 max)
+    {
+#ifdef Q_OS_LINUX
+        constexpr qint64 kHuge = 2 * 1024 * 1024;
+        if (max >= 4 * kHuge && max < INT_MAX) {
+            const size_t length = size_t((max + kHuge - 1) / kHuge * kHuge);
+            void *p = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+            if (p != MAP_FAILED) {
+                madvise(p, length, MADV_HUGEPAGE);
+                m_mapped = p;
+                m_mappedLength = length;
+                char *bytes = static_cast<char *>(p);
+                qint64 got = 0;
+                while (got < max) {
+                    const qint64 n = file->read(bytes + got, max - got);
+                    if (n <= 0)
+                        break;
+                    got += n;
+                }
+                return QByteArray::fromRawData(bytes, int(got));
+            }
+        }
+#endif
+        return file->read(max);
+    }
+
+private:
+    void *m_mapped = nullptr;
+    size_t m_mappedLength = 0;
+};
+
 } // namespace
 
 ModuleObject *ModuleManager::root()
@@ -1190,7 +1295,8 @@ bool ModuleManager::readFromXmlFile(QObject *sender, ModuleObject *node, const Q
                             .arg(file.size())
                             .arg(maxXmlBytes()));
     // One byte more than the size checked: a file that grew meanwhile is still caught below.
-    const QByteArray data = file.read(file.isSequential() ? maxXmlBytes() + 1 : file.size() + 1);
+    ReadBuffer buffer;
+    const QByteArray data = buffer.read(&file, file.isSequential() ? maxXmlBytes() + 1 : file.size() + 1);
     if (file.error() != QFileDevice::NoError)
         return setError(QStringLiteral("cannot read %1: %2").arg(filePath, file.errorString()));
     QString why;
@@ -1209,22 +1315,31 @@ bool ModuleManager::writeToXmlFile(const QString &filePath, const ModuleObject *
     qint64 nodes = 0;
     if (!checkWritable(node, nullptr, 1, json::maxJsonNodes(), &nodes, &why))
         return fail(why);
-    const QByteArray data = toXml(node, indent);
-    if (data.size() > maxXmlBytes())
-        return fail(QStringLiteral("%1 bytes of XML, over the limit of %2 bytes").arg(data.size()).arg(maxXmlBytes()));
     if (atomic) {
-        // The temporary file is dropped unless everything reached it: the old file is kept.
+        // The temporary file is dropped unless everything reached it: the old file is kept. That
+        // is also what lets the text go out while it is being made.
         QSaveFile file(filePath);
         if (!file.open(QIODevice::WriteOnly))
             return fail(file.errorString());
-        if (file.write(data) != data.size()) {
-            why = file.errorString();
+        XmlSink sink;
+        sink.device = &file;
+        sink.limit = maxXmlBytes();
+        QByteArray out;
+        out.reserve(XmlSink::kSlice + 64 * 1024);
+        out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+        writeNode(out, node, 0, indent, true, &sink);
+        out.append('\n');
+        sink.drain(out);
+        if (sink.failed) {
             file.cancelWriting();
-            return fail(why);
+            return fail(sink.why);
         }
         if (!file.commit())
             return fail(file.errorString());
     } else {
+        const QByteArray data = toXml(node, indent);
+        if (data.size() > maxXmlBytes())
+            return fail(QStringLiteral("%1 bytes of XML, over the limit of %2 bytes").arg(data.size()).arg(maxXmlBytes()));
         // In place: an error half way leaves a partial file (use the atomic form for that).
         QFile file(filePath);
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))

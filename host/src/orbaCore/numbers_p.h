@@ -11,19 +11,33 @@
 namespace orba {
 namespace numbers {
 
+// A double's digits, with ".0" added where they would read as an integer ("1" -> "1.0").
+inline void appendAsDouble(QByteArray &out, const char *digits, int len)
+{
+    out.append(digits, len);
+    for (int i = 0; i < len; ++i) {
+        if (digits[i] == '.' || digits[i] == 'e')
+            return;
+    }
+    out.append(".0", 2);
+}
+
 // Doubles as text with 17 significant digits, always recognisable as a double ("1.0", "-0.0",
 // "1e+22"); non-finite values are the caller's business. Locale-independent.
 inline void appendDouble(QByteArray &out, double d)
 {
     char buf[40];
     const auto res = std::to_chars(buf, buf + sizeof buf, d, std::chars_format::general, 17);
-    const int len = int(res.ptr - buf);
-    out.append(buf, len);
-    for (int i = 0; i < len; ++i) {
-        if (buf[i] == '.' || buf[i] == 'e')
-            return;
-    }
-    out.append(".0", 2);
+    appendAsDouble(out, buf, int(res.ptr - buf));
+}
+
+// Doubles as the shortest text that reads back as the same double ("0.1", "-0.0", "1e+22"):
+// shorter and quicker to write than 17 digits, and any reader of decimal text takes it.
+inline void appendShortestDouble(QByteArray &out, double d)
+{
+    char buf[40];
+    const auto res = std::to_chars(buf, buf + sizeof buf, d);
+    appendAsDouble(out, buf, int(res.ptr - buf));
 }
 
 inline void appendInt(QByteArray &out, qint64 v)
