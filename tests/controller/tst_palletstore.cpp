@@ -143,6 +143,58 @@ private slots:
         }
     }
 
+    void pageSize_data()
+    {
+        QTest::addColumn<int>("existing");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("new store") << 0 << 65536;
+        QTest::newRow("store made with 4 KiB pages") << 4096 << 4096;
+    }
+    // New stores take large pages; a store made before keeps its own and goes on working.
+    void pageSize()
+    {
+        QFETCH(int, existing);
+        QFETCH(int, expected);
+        QTemporaryDir dir;
+        if (existing) {
+            Intruder before(dir.path());
+            QVERIFY(before.ok());
+            QVERIFY(before.exec(QStringLiteral("PRAGMA page_size=%1").arg(existing)));
+            QVERIFY(before.exec(QStringLiteral("PRAGMA journal_mode=WAL")));
+            QVERIFY(before.exec(QStringLiteral("CREATE TABLE pallets (position INTEGER PRIMARY KEY, name TEXT NOT NULL, "
+                                               "json BLOB NOT NULL)")));
+            QVERIFY(before.exec(QStringLiteral("PRAGMA user_version = 1")));
+            QVERIFY(before.exec(QStringLiteral("INSERT INTO pallets VALUES (0, 'old', '{\"name\":\"old\",\"index\":0}')")));
+        }
+        const QByteArray big = testpallets::full(QStringLiteral("big"), 1200);
+        {
+            RcTestClient c(false, dir.path());
+            QVERIFY2(c.opened, qPrintable(c.openError));
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", big)), 0);
+        }
+        {
+            RcTestClient c(false, dir.path());
+            QVERIFY2(c.opened, qPrintable(c.openError));
+            const QJsonArray list = RcTestClient::data(c.call("exec", "tray.query.list")).toArray();
+            QCOMPARE(list.size(), existing ? 2 : 1);
+            QCOMPARE(list.last().toObject().value("name").toString(), QStringLiteral("big"));
+        }
+        const QString name = QStringLiteral("pagesize-%1").arg(existing);
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(dir.filePath("trays.sqlite"));
+            QVERIFY(db.open());
+            QSqlQuery q(db);
+            QVERIFY(q.exec(QStringLiteral("PRAGMA page_size")) && q.next());
+            QCOMPARE(q.value(0).toInt(), expected);
+            QSqlQuery count(db);
+            QVERIFY(count.exec(QStringLiteral("SELECT count(*) FROM pallets")) && count.next());
+            QCOMPARE(count.value(0).toInt(), existing ? 2 : 1);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
+
     void killedWhileWriting_data()
     {
         QTest::addColumn<int>("seed");
