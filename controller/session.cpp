@@ -10,6 +10,8 @@
 
 #include <orbat/transport.h>
 
+#include <climits>
+
 namespace rc {
 
 namespace {
@@ -26,6 +28,14 @@ qint64 nodeBudget(const QString &op, const QString &method)
     if (op == QLatin1String("set") && method == QLatin1String("tray.data"))
         return orba::json::maxJsonNodes();
     return kSmallRequestNodes;
+}
+
+// Whether the request's pallet will be stored as received (see rawParamsWithIndex()): a method
+// that stores pallets, with params as an object that can be spliced.
+bool keepsRawPallet(const rawjson::RequestHead &head)
+{
+    return (head.method == QLatin1String("tray.add_one") || head.method == QLatin1String("tray.set.one"))
+        && head.op == QLatin1String("exec") && head.params.isValid() && head.paramsObject.ok && head.paramsObject.compact;
 }
 
 // The "id" echoed in a reply: an integer or a string, null otherwise.
@@ -134,7 +144,11 @@ void Session::receiveLine(const QByteArray &line)
     const qint64 budget = nodeBudget(head.op, head.method);
     orba::ModuleObject request(QStringLiteral("request"));
     QString parseError;
-    if (!orba::json::read(nullptr, &request, line, &parseError, budget)) {
+    // A pallet that will be stored as the text it came in needs only its top members as nodes
+    // (its name); the rest is checked and counted as always but not built, which is most of
+    // the cost of a megabyte of pallet.
+    const int levels = keepsRawPallet(head) ? 2 : INT_MAX;
+    if (!orba::json::readLevels(nullptr, &request, line, levels, &parseError, budget)) {
         if (parseError.endsWith(QStringLiteral("more than %1 nodes").arg(budget))) {
             emit sendLine(protocol::resultLine(
                 headId(line, head),

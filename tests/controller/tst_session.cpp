@@ -104,6 +104,52 @@ private slots:
         QVERIFY(RcTestClient::data(c.call("get", "sys.id")).toString().startsWith("rcsim-"));
     }
 
+    void storedPalletsCheckedWhole_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<int>("code");
+        const QByteArray head = "{\"id\":3,\"op\":\"exec\",\"method\":\"tray.add_one\",\"params\":{\"name\":\"bad\",";
+        QTest::newRow("duplicate key in a place") << head + "\"points\":[{\"wobj\":1,\"wobj\":2}]}}" << -32700;
+        QTest::newRow("bad number in a pose") << head + "\"points\":[{\"wobj\":{\"trans\":[0,01,0]}}]}}" << -32700;
+        QTest::newRow("unclosed array in a place") << head + "\"points\":[{\"wobj\":[0,0}]}}" << -32700;
+        QByteArray many = head + "\"points\":[";
+        for (int i = 0; i < 300000; ++i)
+            many += i ? ",0" : "0";
+        QTest::newRow("more nodes than a pallet has") << many + "]}}" << -32600;
+        QByteArray setHead = head;
+        setHead.replace("tray.add_one", "tray.set.one");
+        setHead.replace("\"bad\"", "\"keep\"");
+        QTest::newRow("replacement with a bad number deep down") << setHead + "\"points\":[[[1e]]]}}" << -32700;
+    }
+    // A pallet stored as its text is read whole all the same: nothing deep down slips through.
+    void storedPalletsCheckedWhole()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(int, code);
+        RcTestClient c;
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", pallet("keep"))), 0);
+        const QJsonObject before = RcTestClient::data(c.call("exec", "tray.query.one", "0")).toObject();
+        const QJsonObject r = QJsonDocument::fromJson(c.send(line)).object();
+        QCOMPARE(RcTestClient::errorCode(r), code);
+        QCOMPARE(names(RcTestClient::data(c.call("exec", "tray.query.list"))), QStringList({"keep"}));
+        QCOMPARE(RcTestClient::data(c.call("exec", "tray.query.one", "0")).toObject(), before);
+    }
+
+    // Text with white space cannot be stored as received: the pallet is read whole and written anew.
+    void spacedPalletStoredWhole()
+    {
+        RcTestClient c;
+        const QByteArray spaced = "{ \"name\" : \"spaced\", \"points\" : [ { \"wobj\" : { \"trans\" : [ 1, 2.5, -3 ] } } ] }";
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", spaced)), 0);
+        QJsonObject expected = QJsonDocument::fromJson(spaced).object();
+        expected.insert("index", 0);
+        QCOMPARE(RcTestClient::data(c.call("exec", "tray.query.one", "0")).toObject(), expected);
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.set.one", QByteArray(spaced).replace("2.5", "7"))), 0);
+        expected = QJsonDocument::fromJson(QByteArray(spaced).replace("2.5", "7")).object();
+        expected.insert("index", 0);
+        QCOMPARE(RcTestClient::data(c.call("exec", "tray.query.one", "0")).toObject(), expected);
+    }
+
     void trayLifecycle()
     {
         RcTestClient c;

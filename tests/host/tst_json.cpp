@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -86,6 +87,9 @@ private slots:
     void leadingFeffKept_data();
     void leadingFeffKept();
     void nodeBudget();
+    void readLevelsBuildsTheTop();
+    void readLevelsChecksAsRead_data();
+    void readLevelsChecksAsRead();
     void variantValueBudgetAtRealLimit();
 };
 
@@ -578,6 +582,66 @@ void TestJson::variantValueBudgetAtRealLimit()
     QVERIFY(!orba::json::toVariant(text, &ok, &error).isValid());
     QVERIFY(!ok);
     QVERIFY2(error.endsWith(QStringLiteral("more than %1 values").arg(budget)), qPrintable(error));
+}
+
+void TestJson::readLevelsBuildsTheTop()
+{
+    const QByteArray text = R"({"a":1,"b":{"c":[1,[2,3]],"d":"x"},"e":[{"f":true}]})";
+    ModuleObject full;
+    QVERIFY(orba::json::read(nullptr, &full, text));
+    for (int levels = 0; levels <= 4; ++levels) {
+        ModuleObject top;
+        QString error = QStringLiteral("not cleared");
+        QVERIFY(orba::json::readLevels(nullptr, &top, text, levels, &error, orba::json::maxJsonNodes()));
+        QVERIFY(error.isEmpty());
+        // The same nodes as a full read down to that level, none below.
+        const QStringList all = full.cmobjNames(true);
+        QStringList expected;
+        for (const QString &path : all) {
+            if (path.count(QLatin1Char('.')) < levels)
+                expected << path;
+        }
+        QCOMPARE(top.cmobjNames(true), expected);
+        for (const QString &path : expected) {
+            if (top.r(path)->cmobjCount() == 0)
+                QCOMPARE(top.r(path)->value(), full.r(path)->cmobjCount() ? QVariant() : full.r(path)->value());
+        }
+    }
+    ModuleObject all;
+    QVERIFY(orba::json::readLevels(nullptr, &all, text, INT_MAX, nullptr, orba::json::maxJsonNodes()));
+    QVERIFY(all.equals(&full));
+}
+
+void TestJson::readLevelsChecksAsRead_data()
+{
+    hostileInputRejected_data();
+    QTest::newRow("duplicate key deep down") << QByteArray(R"({"p":{"q":[{"x":1,"x":2}]}})");
+    QTest::newRow("bad number deep down") << QByteArray(R"({"p":{"q":[[1,2,01]]}})");
+    QTest::newRow("sound") << QByteArray(R"({"p":{"q":[[1,2,3]],"name":"n"}})");
+}
+
+// Not building the lower levels must not let anything through that a full read refuses: the
+// same texts fail, with the same message, and the target is left as it was.
+void TestJson::readLevelsChecksAsRead()
+{
+    QFETCH(QByteArray, json);
+    const QByteArray buried = R"({"top":{"below":[)" + json + "]}}";
+    for (const QByteArray &text : {json, buried}) {
+        for (const qint64 budget : {orba::json::maxJsonNodes(), qint64(6)}) {
+            ModuleObject full("t");
+            full.set(nullptr, "keep", 1);
+            QString fullError;
+            const bool fullOk = orba::json::read(nullptr, &full, text, &fullError, budget);
+            ModuleObject top("t");
+            top.set(nullptr, "keep", 1);
+            QString topError;
+            const bool topOk = orba::json::readLevels(nullptr, &top, text, 1, &topError, budget);
+            QCOMPARE(topOk, fullOk);
+            QCOMPARE(topError, fullError);
+            if (!topOk)
+                QCOMPARE(top.r("keep")->getInt(), 1);
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestJson)

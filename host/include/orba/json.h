@@ -42,6 +42,11 @@ ORBACORE_EXPORT bool read(QObject *sender, ModuleObject *node, const QByteArray 
 // The same with a budget of nodes: a text that would build more than maxNodes nodes is refused.
 ORBACORE_EXPORT bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *error,
                           qint64 maxNodes);
+// The same, checking and counting the whole text but building only the top `levels` levels:
+// children of containers nested deeper are not made (their containers come out empty). For a
+// reader that keeps the text itself and looks only at its top, such as a store of pallets.
+ORBACORE_EXPORT bool readLevels(QObject *sender, ModuleObject *node, const QByteArray &text, int levels,
+                                QString *error, qint64 maxNodes);
 
 // Plain JSON <-> QVariant helpers with the same number rules (ints stay qint64/int, doubles stay
 // double); objects become QVariantMap (key order is lost there) - use read() to keep order.

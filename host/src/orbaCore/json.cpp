@@ -327,6 +327,9 @@ public:
 
     QString error() const { return m_error; }
 
+    // Nodes deeper than this many levels below the root are checked and counted but not built.
+    void setBuildLevels(int levels) { m_buildLevels = levels; }
+
 private:
     bool fail(const QString &what)
     {
@@ -349,14 +352,14 @@ private:
         return true;
     }
 
-    // Every node counts, so that a short text of empty containers cannot build a huge tree.
-    LightNode *appendNode(LightNode *parent, const QString &name)
+    // Every node counts, so that a short text of empty containers cannot build a huge tree. The
+    // child is null where nothing is built (below the build levels): the text is read all the same.
+    bool appendNode(LightNode *parent, const QString &name, LightNode **child)
     {
-        if (++m_nodes > m_maxNodes) {
-            fail(QStringLiteral("more than %1 nodes").arg(m_maxNodes));
-            return nullptr;
-        }
-        return ModuleObjectPrivate::appendRaw(parent, name);
+        if (++m_nodes > m_maxNodes)
+            return fail(QStringLiteral("more than %1 nodes").arg(m_maxNodes));
+        *child = parent && m_depth <= m_buildLevels ? ModuleObjectPrivate::appendRaw(parent, name) : nullptr;
+        return true;
     }
 
     bool duplicateKey(const char *at, const QString &key)
@@ -642,10 +645,11 @@ private:
                     QVariant v;
                     if (!parseScalar(&v))
                         return false;
-                    ModuleObjectPrivate::setValueRaw(node, v);
+                    if (node)
+                        ModuleObjectPrivate::setValueRaw(node, v);
                 } else {
-                    LightNode *child = appendNode(node, key);
-                    if (!child || !parseNode(child))
+                    LightNode *child = nullptr;
+                    if (!appendNode(node, key, &child) || !parseNode(child))
                         return false;
                 }
                 skipWs();
@@ -673,8 +677,8 @@ private:
                 return true;
             }
             for (int i = 0;; ++i) {
-                LightNode *child = appendNode(node, arrayName(i));
-                if (!child || !parseNode(child))
+                LightNode *child = nullptr;
+                if (!appendNode(node, node ? arrayName(i) : QString(), &child) || !parseNode(child))
                     return false;
                 skipWs();
                 if (m_p < m_end && *m_p == ',') {
@@ -693,7 +697,8 @@ private:
         QVariant v;
         if (!parseScalar(&v))
             return false;
-        ModuleObjectPrivate::setValueRaw(node, v);
+        if (node)
+            ModuleObjectPrivate::setValueRaw(node, v);
         return true;
     }
 
@@ -784,6 +789,7 @@ private:
     const char *m_p;
     const char *m_end;
     int m_depth = 0;
+    int m_buildLevels = INT_MAX;
     QString m_error;
 };
 
@@ -819,6 +825,12 @@ bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *
 
 bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *error, qint64 maxNodes)
 {
+    return readLevels(sender, node, text, INT_MAX, error, maxNodes);
+}
+
+bool readLevels(QObject *sender, ModuleObject *node, const QByteArray &text, int levels, QString *error,
+                qint64 maxNodes)
+{
     if (!node) {
         if (error)
             *error = QStringLiteral("no target node");
@@ -828,6 +840,7 @@ bool read(QObject *sender, ModuleObject *node, const QByteArray &text, QString *
         return false;
     LightNode fresh;
     Parser parser(text, maxNodes);
+    parser.setBuildLevels(levels);
     if (!parser.parseDocumentNode(&fresh)) {
         if (error)
             *error = parser.error();
