@@ -154,6 +154,15 @@ struct ServerThread
     }
 };
 
+// One request as a client sends it, line feed included; params is JSON text or empty.
+inline QByteArray requestLine(qint64 id, const char *op, const char *method, const QByteArray &params = QByteArray())
+{
+    QByteArray line = "{\"id\":" + QByteArray::number(id) + ",\"op\":\"" + op + "\",\"method\":\"" + method + "\"";
+    if (!params.isEmpty())
+        line += ",\"params\":" + params;
+    return line + "}\n";
+}
+
 // A blocking line client.
 struct LineClient
 {

@@ -139,7 +139,7 @@ private slots:
         QVERIFY(slowReader.waitForConnected(3000));
         QByteArray lists;
         for (int i = 0; i < 400; ++i)
-            lists += "{\"id\":" + QByteArray::number(i) + ",\"op\":\"get\",\"method\":\"tray.data\"}\n";
+            lists += requestLine(i, "get", "tray.data");
         slowReader.write(lists);
         // One floods requests and reads nothing: more replies than the kernel's buffers and the
         // server's pause threshold hold together.
@@ -149,9 +149,9 @@ private slots:
         QVERIFY(flooder.waitForConnected(3000));
         QByteArray flood;
         for (int i = 0; i < kFloodLines; ++i) {
-            flood += "{\"id\":" + QByteArray::number(i) + ",\"op\":\"ping\",\"method\":\"ping\"}\n";
+            flood += requestLine(i, "ping", "ping");
             if (i % 10 == 0)
-                flood += "{\"id\":" + QByteArray::number(i) + ",\"op\":\"exec\",\"method\":\"tray.query.list\"}\n";
+                flood += requestLine(i, "exec", "tray.query.list");
         }
         flooder.write(flood);
         // Some send half a line and fall silent.

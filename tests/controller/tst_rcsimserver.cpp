@@ -100,7 +100,7 @@ private slots:
         QVERIFY(greedy.connect(server.port));
         QByteArray requests;
         for (int i = 0; i < 300; ++i)
-            requests += "{\"id\":" + QByteArray::number(i) + ",\"op\":\"get\",\"method\":\"tray.data\"}\n";
+            requests += requestLine(i, "get", "tray.data");
         greedy.socket.write(requests);
         greedy.socket.flush();
         // No events here: the greedy client must not read.
@@ -136,9 +136,9 @@ private slots:
         QByteArray requests;
         int id = 0;
         for (int round = 0; round < 3; ++round) {
-            requests += "{\"id\":" + QByteArray::number(id++) + ",\"op\":\"get\",\"method\":\"tray.data\"}\n";
-            requests += "{\"id\":" + QByteArray::number(id++) + ",\"op\":\"ping\",\"method\":\"ping\"}\n";
-            requests += "{\"id\":" + QByteArray::number(id++) + ",\"op\":\"exec\",\"method\":\"tray.query.one\",\"params\":5}\n";
+            requests += requestLine(id++, "get", "tray.data");
+            requests += requestLine(id++, "ping", "ping");
+            requests += requestLine(id++, "exec", "tray.query.one", "5");
         }
         late.socket.write(requests);
         late.socket.flush();
@@ -192,7 +192,7 @@ private slots:
         QVERIFY(client.connect(sim.port));
         QByteArray lines;
         for (int i = 0; i < 200; ++i)
-            lines += "{\"id\":" + QByteArray::number(i) + ",\"op\":\"ping\",\"method\":\"ping\"}\n";
+            lines += requestLine(i, "ping", "ping");
         client.socket.write(lines);
         for (int i = 0; i < 200; ++i)
             QVERIFY(isPong(client.reply()));

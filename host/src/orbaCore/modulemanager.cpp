@@ -277,6 +277,7 @@ struct XmlSink
 
     QIODevice *device = nullptr;
     qint64 written = 0;
+    qint64 started = 0; // written back from here on
     qint64 limit = 0;
     bool failed = false;
     QString why;
@@ -312,8 +313,6 @@ struct XmlSink
         started = written;
 #endif
     }
-
-    qint64 started = 0;
 };
 
 // indentBefore is false for a first child that follows its parent's value text: the writer's
@@ -378,6 +377,16 @@ void writeNode(QByteArray &out, NodeRef node, int depth, bool indent, bool inden
     if (indent && count > 0)
         appendIndent(out, depth);
     out.append("</node>", 7);
+}
+
+// The whole document: declaration, root element, final line feed.
+void writeDocument(QByteArray &out, NodeRef root, bool indent, XmlSink *sink = nullptr)
+{
+    out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+    writeNode(out, root, 0, indent, true, sink);
+    out.append('\n');
+    if (sink)
+        sink->drain(out);
 }
 
 struct Frame
@@ -1248,13 +1257,12 @@ ModuleObject *ModuleManager::emptyMobj()
 
 QByteArray ModuleManager::toXml(const ModuleObject *node, bool indent)
 {
-    QByteArray out("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+    if (!node)
+        return QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    QByteArray out;
     // Growing a buffer of many megabytes step by step costs more than the writing.
-    if (node)
-        out.reserve(int(qMin<qint64>(qint64(countNodes(node)) * (indent ? 72 : 56) + 64, INT_MAX / 2)));
-    if (node)
-        writeNode(out, node, 0, indent, true);
-    out.append('\n');
+    out.reserve(int(qMin<qint64>(qint64(countNodes(node)) * (indent ? 72 : 56) + 64, INT_MAX / 2)));
+    writeDocument(out, node, indent);
     return out;
 }
 
@@ -1326,10 +1334,7 @@ bool ModuleManager::writeToXmlFile(const QString &filePath, const ModuleObject *
         sink.limit = maxXmlBytes();
         QByteArray out;
         out.reserve(XmlSink::kSlice + 64 * 1024);
-        out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
-        writeNode(out, node, 0, indent, true, &sink);
-        out.append('\n');
-        sink.drain(out);
+        writeDocument(out, node, indent, &sink);
         if (sink.failed) {
             file.cancelWriting();
             return fail(sink.why);
