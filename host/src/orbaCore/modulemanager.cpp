@@ -199,7 +199,7 @@ void appendDoubleText(QByteArray &out, double d)
     else if (std::isinf(d))
         out.append(d > 0 ? "inf" : "-inf");
     else
-        numbers::appendShortestDouble(out, d);
+        numbers::appendDouble(out, d);
 }
 
 qint64 countNodes(NodeRef node)

@@ -22,18 +22,11 @@ inline void appendAsDouble(QByteArray &out, const char *digits, int len)
     out.append(".0", 2);
 }
 
-// Doubles as text with 17 significant digits, always recognisable as a double ("1.0", "-0.0",
-// "1e+22"); non-finite values are the caller's business. Locale-independent.
+// Doubles as the shortest text that reads back as the same double ("0.1", "1.0", "-0.0",
+// "1e+22"), always recognisable as a double: bit-exact through any correct decimal reader, and
+// much quicker to write than a fixed 17 digits. Non-finite values are the caller's business.
+// Locale-independent.
 inline void appendDouble(QByteArray &out, double d)
-{
-    char buf[40];
-    const auto res = std::to_chars(buf, buf + sizeof buf, d, std::chars_format::general, 17);
-    appendAsDouble(out, buf, int(res.ptr - buf));
-}
-
-// Doubles as the shortest text that reads back as the same double ("0.1", "-0.0", "1e+22"):
-// shorter and quicker to write than 17 digits, and any reader of decimal text takes it.
-inline void appendShortestDouble(QByteArray &out, double d)
 {
     char buf[40];
     const auto res = std::to_chars(buf, buf + sizeof buf, d);
