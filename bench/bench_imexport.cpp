@@ -31,6 +31,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -64,6 +65,32 @@ void pickInFileDialog(const QString &path)
         }
     });
     timer->start();
+}
+
+// The pallets as the controller stores them, in list order.
+std::vector<orba::MobjPtr> storedPallets()
+{
+    std::vector<orba::MobjPtr> stored;
+    for (int i = 0; i < kPallets; ++i) {
+        orba::ModuleObject position;
+        position.setValue(nullptr, i);
+        stored.push_back(tservice()->execCommand(nullptr, QStringLiteral("tray.query.one"), &position));
+    }
+    return stored;
+}
+
+// Bit for bit: the same tree in the same order, doubles compared by value and sign.
+bool samePallets(const std::vector<orba::MobjPtr> &before, const std::vector<orba::MobjPtr> &after)
+{
+    if (before.size() != after.size())
+        return false;
+    for (size_t i = 0; i < before.size(); ++i) {
+        const orba::ModuleObject *a = before.at(i)->c(QStringLiteral("data"));
+        const orba::ModuleObject *b = after.at(i)->c(QStringLiteral("data"));
+        if (!a || !b || a->isEmpty() || !a->equals(b))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -105,6 +132,10 @@ int main(int argc, char **argv)
 
     for (int i = 0; i < kPallets; ++i)
         tservice()->execCommand(nullptr, QStringLiteral("tray.add_one"), makePallet(i));
+
+    orba::ModuleObject treeBefore;
+    treeBefore.copyFrom(nullptr, tpallet::palletsNode(), false);
+    const std::vector<orba::MobjPtr> storedBefore = storedPallets();
 
     const QString file = usb + QStringLiteral("/out/tray.xml");
     // Export through the dialog.
@@ -151,6 +182,8 @@ int main(int argc, char **argv)
 
     const orba::MobjPtr list = tservice()->execCommand(nullptr, QStringLiteral("tray.query.list"));
     const int onController = list->c(QStringLiteral("data"))->cmobjCount();
+    const bool treeSame = treeBefore.equals(tpallet::palletsNode());
+    const bool storedSame = samePallets(storedBefore, storedPallets());
     const double bound = writeMs + readMs;
     const double total = exportMs + importMs;
     std::printf("%d pallets of 1200 places, file %.1f MB, embedded controller, heap in huge pages: %s\n\n", kPallets,
@@ -162,6 +195,8 @@ int main(int argc, char **argv)
     std::printf("%-44s %10.0f %12.0f %8.2f\n", "export then import", total, bound, total / bound);
     std::printf("\npallets on the controller after the import: %d, under 1 s: %s\n", onController,
                 total < 1000.0 ? "yes" : "NO");
+    std::printf("bit-exact after the round trip: pallet list %s, controller's store %s\n", treeSame ? "yes" : "NO",
+                storedSame ? "yes" : "NO");
     tservice()->setTransport(nullptr);
-    return onController == kPallets ? 0 : 1;
+    return onController == kPallets && treeSame && storedSame ? 0 : 1;
 }
