@@ -16,6 +16,9 @@ namespace {
 
 QAtomicInt connectionCounter;
 
+// Appending takes the key after the last one; keys from here on leave no room for that.
+constexpr qint64 kLastKey = qint64(1) << 62;
+
 void setError(QString *error, const QString &text)
 {
     if (error)
@@ -204,8 +207,8 @@ bool PalletStore::load(Renumber renumber, QString *error)
 {
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     QVector<Entry> entries;
+    QVector<qint64> keys;
     QVector<QVariant> columnNames;
-    bool contiguous = true;
     {
         QSqlQuery q(db);
         q.setForwardOnly(true);
@@ -214,21 +217,25 @@ bool PalletStore::load(Renumber renumber, QString *error)
             return false;
         }
         while (q.next()) {
-            if (q.value(0).toLongLong() != entries.size())
-                contiguous = false;
+            const int place = entries.size();
             Entry e;
             e.json = q.value(2).toByteArray();
             // The column went through SQLite's text conversion (which drops a leading byte order
             // mark, for one); the JSON bytes did not.
-            if (!rawjson::topLevelString(e.json, QLatin1String("name"), &e.name))
-                e.name = q.value(1).toString();
+            const rawjson::StoredHead head = rawjson::storedHead(e.json, place);
+            e.name = head.hasName ? head.name : q.value(1).toString();
+            // Rows after a removal keep the "index" they were written with; it is their place
+            // that counts.
+            if (!head.indexIs && renumber)
+                e.json = renumber(e.json, place);
+            keys.append(q.value(0).toLongLong());
             columnNames.append(q.value(1));
             entries.append(e);
         }
     }
-    if (!contiguous) {
-        // Renumbered in their order, in one transaction: all rows written anew, so that no new
-        // position collides with an old one whatever the old ones were.
+    if (!keys.isEmpty() && keys.last() >= kLastKey) {
+        // No room left to append after the last row (a foreign writer's keys): all rows written
+        // anew as 0..n-1, in one transaction, so that no new key collides with an old one.
         Transaction t(db);
         if (!t.active())
             return setError(error, db.lastError().text()), false;
@@ -238,20 +245,20 @@ bool PalletStore::load(Renumber renumber, QString *error)
         QSqlQuery ins(db);
         ins.prepare(QStringLiteral("INSERT INTO pallets (position, name, json) VALUES (?, ?, ?)"));
         for (int i = 0; i < entries.size(); ++i) {
-            if (renumber)
-                entries[i].json = renumber(entries.at(i).json, i);
             ins.addBindValue(i);
             ins.addBindValue(columnNames.at(i));
             ins.addBindValue(entries.at(i).json);
             if (!runExpecting(ins, 1, QStringLiteral("renumbering"), error))
                 return false;
+            keys[i] = i;
         }
         if (!t.commit(error))
             return false;
-        qWarning("pallet store %s: positions were not 0..%d, renumbered in order", qPrintable(m_path),
-                 int(entries.size()) - 1);
+        qWarning("pallet store %s: row keys reached %lld, renumbered 0..%d in order", qPrintable(m_path),
+                 qlonglong(kLastKey), int(entries.size()) - 1);
     }
     m_entries = entries;
+    m_keys = keys;
     return true;
 }
 
@@ -271,13 +278,15 @@ bool PalletStore::append(const Entry &entry, QString *error)
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     Transaction t(db);
     QSqlQuery q(db);
+    const qint64 key = m_keys.isEmpty() ? 0 : m_keys.last() + 1;
     q.prepare(QStringLiteral("INSERT INTO pallets (position, name, json) VALUES (?, ?, ?)"));
-    q.addBindValue(m_entries.size());
+    q.addBindValue(key);
     q.addBindValue(entry.name);
     q.addBindValue(entry.json);
     if (!t.active() || !runExpecting(q, 1, QStringLiteral("adding a pallet"), error) || !t.commit(error))
         return false;
     m_entries.append(entry);
+    m_keys.append(key);
     return true;
 }
 
@@ -291,7 +300,7 @@ bool PalletStore::replace(int position, const Entry &entry, QString *error)
     q.prepare(QStringLiteral("UPDATE pallets SET name = ?, json = ? WHERE position = ?"));
     q.addBindValue(entry.name);
     q.addBindValue(entry.json);
-    q.addBindValue(position);
+    q.addBindValue(m_keys.at(position));
     if (!t.active() || !runExpecting(q, 1, QStringLiteral("writing the pallet at %1").arg(position), error)
         || !t.commit(error))
         return false;
@@ -307,28 +316,20 @@ bool PalletStore::remove(int position, Renumber renumber, QString *error)
     Transaction t(db);
     if (!t.active())
         return setError(error, db.lastError().text()), false;
+    // Only the row goes: the rows after it keep their keys and texts (rewriting them would mean
+    // a hundred megabytes for the first of a hundred full pallets); their "index" is brought up
+    // to date here and whenever the store is loaded.
     QSqlQuery del(db);
     del.prepare(QStringLiteral("DELETE FROM pallets WHERE position = ?"));
-    del.addBindValue(position);
-    if (!runExpecting(del, 1, QStringLiteral("removing the pallet at %1").arg(position), error))
+    del.addBindValue(m_keys.at(position));
+    if (!runExpecting(del, 1, QStringLiteral("removing the pallet at %1").arg(position), error) || !t.commit(error))
         return false;
-    QVector<Entry> moved;
-    QSqlQuery up(db);
-    up.prepare(QStringLiteral("UPDATE pallets SET position = ?, json = ? WHERE position = ?"));
-    for (int i = position + 1; i < m_entries.size(); ++i) {
-        Entry e = m_entries.at(i);
-        e.json = renumber ? renumber(e.json, i - 1) : e.json;
-        up.addBindValue(i - 1);
-        up.addBindValue(e.json);
-        up.addBindValue(i);
-        if (!runExpecting(up, 1, QStringLiteral("moving the pallet at %1").arg(i), error))
-            return false;
-        moved.append(e);
+    m_entries.remove(position);
+    m_keys.remove(position);
+    if (renumber) {
+        for (int i = position; i < m_entries.size(); ++i)
+            m_entries[i].json = renumber(m_entries.at(i).json, i);
     }
-    if (!t.commit(error))
-        return false;
-    m_entries.resize(position);
-    m_entries += moved;
     return true;
 }
 
@@ -356,6 +357,9 @@ bool PalletStore::replaceAll(const QVector<Entry> &entries, QString *error)
     if (!t.commit(error))
         return false;
     m_entries = entries;
+    m_keys.resize(entries.size());
+    for (int i = 0; i < entries.size(); ++i)
+        m_keys[i] = i;
     return true;
 }
 

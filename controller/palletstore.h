@@ -20,6 +20,9 @@ namespace rc {
  * rolls back and leaves the cache alone.
  * A pallet's name is read back from its stored JSON (bytes kept exactly); the name column is
  * only there for people looking into the file.
+ * The rows are in the order of their "position" column, which is a key, not the pallet's place:
+ * a removal leaves a gap instead of rewriting every row after it, and a row's stored "index"
+ * may be older than its place (the cache always has it right).
  */
 class PalletStore
 {
@@ -39,9 +42,8 @@ public:
     PalletStore(const PalletStore &) = delete;
     PalletStore &operator=(const PalletStore &) = delete;
 
-    // Takes the data directory's lock, then opens or creates the database. Positions that are
-    // not 0..n-1 (a store written by an older or foreign writer) are renumbered in order, with
-    // renumber(json, newIndex) rewriting each moved pallet's "index".
+    // Takes the data directory's lock, then opens or creates the database. A pallet whose
+    // stored "index" is not its place is given it in the cache by renumber(json, place).
     bool open(const QString &dataDir, QString *error = nullptr, Renumber renumber = nullptr);
     bool isOpen() const { return m_open; }
     QString filePath() const { return m_path; }
@@ -53,8 +55,8 @@ public:
     // Each returns false (store and cache unchanged) when the transaction fails.
     bool append(const Entry &entry, QString *error = nullptr);
     bool replace(int position, const Entry &entry, QString *error = nullptr);
-    // Removes the pallet and renumbers the ones after it; renumber(json, newIndex) rewrites
-    // the stored "index" of each moved pallet.
+    // Removes the pallet; renumber(json, newPlace) gives each pallet after it its new "index"
+    // in the cache (their rows are left as they are).
     bool remove(int position, Renumber renumber, QString *error = nullptr);
     bool replaceAll(const QVector<Entry> &entries, QString *error = nullptr);
 
@@ -67,6 +69,8 @@ private:
     QString m_path;
     bool m_open = false;
     QVector<Entry> m_entries;
+    // The row key of each entry, ascending.
+    QVector<qint64> m_keys;
 };
 
 } // namespace rc

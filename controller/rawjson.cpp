@@ -281,6 +281,22 @@ bool topLevelString(const QByteArray &text, QLatin1String key, QString *out)
     return info.ok && decodeString(text, value, out);
 }
 
+StoredHead storedHead(const QByteArray &text, int index)
+{
+    static const QLatin1String keys[] = {QLatin1String("name"), QLatin1String("index")};
+    Span values[2];
+    StoredHead head;
+    if (!scanObject(text, keys, values, 2).ok)
+        return head;
+    head.hasName = decodeString(text, values[0], &head.name);
+    if (values[1].isValid()) {
+        const QByteArray number = QByteArray::number(index);
+        head.indexIs = values[1].size() == number.size()
+                       && std::memcmp(text.constData() + values[1].begin, number.constData(), size_t(number.size())) == 0;
+    }
+    return head;
+}
+
 QByteArray withIndex(const QByteArray &text, int index)
 {
     static const QLatin1String key("index");

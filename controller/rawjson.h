@@ -37,6 +37,17 @@ ObjectInfo scanObject(const QByteArray &text, const QLatin1String *keys, Span *v
 // the member is missing or no string.
 bool topLevelString(const QByteArray &text, QLatin1String key, QString *out);
 
+// What the store reads of a pallet it keeps, in one scan: the top-level "name" decoded as the
+// parser does (hasName false when it is missing or no string) and whether the top-level "index"
+// is written exactly as `index` is.
+struct StoredHead
+{
+    bool hasName = false;
+    QString name;
+    bool indexIs = false;
+};
+StoredHead storedHead(const QByteArray &text, int index);
+
 // `text` with the top-level "index" set to `index`: the first "index" member's value replaced,
 // or the member appended when missing. Only for compact object texts that have been parsed
 // before; a null array otherwise (the caller serialises a tree instead).

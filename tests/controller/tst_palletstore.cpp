@@ -10,6 +10,7 @@
 #include <orbat/transport.h>
 
 #include <QDir>
+#include <QJsonArray>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
@@ -19,6 +20,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <limits>
 #include <map>
 
 namespace {
@@ -102,13 +104,28 @@ public:
         qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
         return false;
     }
+    // One column of every row, in the rows' order.
+    QVariantList column(const QString &name)
+    {
+        QVariantList out;
+        QSqlQuery q(QSqlDatabase::database(m_name, false));
+        if (q.exec(QStringLiteral("SELECT %1 FROM pallets ORDER BY position").arg(name)))
+            while (q.next())
+                out << q.value(0);
+        return out;
+    }
     QList<qint64> positions()
     {
         QList<qint64> out;
-        QSqlQuery q(QSqlDatabase::database(m_name, false));
-        if (q.exec(QStringLiteral("SELECT position FROM pallets ORDER BY position")))
-            while (q.next())
-                out << q.value(0).toLongLong();
+        for (const QVariant &v : column(QStringLiteral("position")))
+            out << v.toLongLong();
+        return out;
+    }
+    QList<QByteArray> texts()
+    {
+        QList<QByteArray> out;
+        for (const QVariant &v : column(QStringLiteral("json")))
+            out << v.toByteArray();
         return out;
     }
 
@@ -444,8 +461,6 @@ private slots:
             {"tray.set.one", namedPallet("b")},
             {"tray.set.name", "{\"index\":1,\"name\":\"bb\"}"},
             {"tray.del_one", "{\"index\":1,\"name\":\"b\"}"},
-            // Removing the first moves the vanished one.
-            {"tray.del_one", "{\"index\":0,\"name\":\"a\"}"},
         };
         for (const auto &w : writes) {
             const QJsonObject r = c.call("exec", w.first, w.second);
@@ -460,17 +475,25 @@ private slots:
         QCOMPARE(other.positions(), QList<qint64>({0, 2}));
     }
 
-    void gapsInPositionsAreRepaired_data()
+    void gapsInPositionsKeepTheOrder_data()
     {
         QTest::addColumn<QList<qint64>>("positions");
-        QTest::newRow("0, 2, 5") << QList<qint64>{0, 2, 5};
-        QTest::newRow("from 1") << QList<qint64>{1, 2, 3};
-        QTest::newRow("negative first") << QList<qint64>{-3, 0, 7};
-        QTest::newRow("far apart") << QList<qint64>{100, 2000, 30000};
+        QTest::addColumn<QList<qint64>>("after");
+        QTest::newRow("0, 2, 5") << QList<qint64>{0, 2, 5} << QList<qint64>{0, 5, 6};
+        QTest::newRow("from 1") << QList<qint64>{1, 2, 3} << QList<qint64>{1, 3, 4};
+        QTest::newRow("negative first") << QList<qint64>{-3, 0, 7} << QList<qint64>{-3, 7, 8};
+        QTest::newRow("far apart") << QList<qint64>{100, 2000, 30000} << QList<qint64>{100, 30000, 30001};
+        // Keys that leave no room to append after them are written anew as 0..n-1 first.
+        QTest::newRow("last at 2^62") << QList<qint64>{0, 1, qint64(1) << 62} << QList<qint64>{0, 2, 3};
+        QTest::newRow("last at the largest key")
+            << QList<qint64>{-5, 0, std::numeric_limits<qint64>::max()} << QList<qint64>{0, 2, 3};
+        QTest::newRow("just below 2^62") << QList<qint64>{0, 1, (qint64(1) << 62) - 2}
+                                         << QList<qint64>{0, (qint64(1) << 62) - 2, (qint64(1) << 62) - 1};
     }
-    void gapsInPositionsAreRepaired()
+    void gapsInPositionsKeepTheOrder()
     {
         QFETCH(QList<qint64>, positions);
+        QFETCH(QList<qint64>, after);
         QTemporaryDir dir;
         {
             RcTestClient c(false, dir.path());
@@ -481,25 +504,80 @@ private slots:
             Intruder other(dir.path());
             QVERIFY(other.ok());
             // Moved out of the way first, then to the wanted places, keeping their order.
-            QVERIFY(other.exec("UPDATE pallets SET position = position + 1000000"));
+            QVERIFY(other.exec("UPDATE pallets SET position = -position - 1000000"));
             for (int i = 0; i < 3; ++i)
-                QVERIFY(other.exec(QString("UPDATE pallets SET position = %1 WHERE position = %2").arg(positions.at(i)).arg(1000000 + i)));
+                QVERIFY(other.exec(QString("UPDATE pallets SET position = %1 WHERE position = %2").arg(positions.at(i)).arg(-1000000 - i)));
             QCOMPARE(other.positions(), positions);
         }
-        {
+        for (int round = 0; round < 2; ++round) {
             RcTestClient c(false, dir.path());
             QVERIFY2(c.opened, qPrintable(c.openError));
-            QCOMPARE(listNames(c), QStringList({"a", "b", "c"}));
+            if (round == 0) {
+                QCOMPARE(listNames(c), QStringList({"a", "b", "c"}));
+                for (int i = 0; i < 3; ++i) {
+                    const QJsonObject one = RcTestClient::data(c.call("exec", "tray.query.one", QByteArray::number(i))).toObject();
+                    QCOMPARE(one.value("index").toInt(), i);
+                }
+                QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet("d"))), 0);
+                QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", "{\"index\":1,\"name\":\"b\"}")), 0);
+            }
+            // The same after a restart, from the rows as they are now.
+            QCOMPARE(listNames(c), QStringList({"a", "c", "d"}));
             for (int i = 0; i < 3; ++i) {
                 const QJsonObject one = RcTestClient::data(c.call("exec", "tray.query.one", QByteArray::number(i))).toObject();
                 QCOMPARE(one.value("index").toInt(), i);
+                QCOMPARE(one.value("name").toString(), listNames(c).at(i));
             }
-            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet("d"))), 0);
-            QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", "{\"index\":1,\"name\":\"b\"}")), 0);
-            QCOMPARE(listNames(c), QStringList({"a", "c", "d"}));
         }
         Intruder other(dir.path());
-        QCOMPARE(other.positions(), QList<qint64>({0, 1, 2}));
+        QCOMPARE(other.positions(), after);
+    }
+
+    void removalLeavesTheRowsAfterIt()
+    {
+        QTemporaryDir dir;
+        QList<QByteArray> before;
+        {
+            RcTestClient c(false, dir.path());
+            for (const char *n : {"a", "b", "c"})
+                QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet(n))), 0);
+            {
+                Intruder other(dir.path());
+                before = other.texts();
+            }
+            QCOMPARE(before.size(), 3);
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", "{\"index\":0,\"name\":\"a\"}")), 0);
+            {
+                // Only the row of "a" went; the others were not written again.
+                Intruder other(dir.path());
+                QCOMPARE(other.positions(), QList<qint64>({1, 2}));
+                QCOMPARE(other.texts(), before.mid(1));
+            }
+            // Every read gives each pallet its place.
+            const QJsonArray all = RcTestClient::data(c.call("get", "tray.data", "null")).toArray();
+            QCOMPARE(all.size(), 2);
+            for (int i = 0; i < 2; ++i) {
+                QCOMPARE(all.at(i).toObject().value("index").toInt(), i);
+                QCOMPARE(all.at(i).toObject().value("name").toString(), QString(QChar('b' + i)));
+                const QJsonObject one = RcTestClient::data(c.call("exec", "tray.query.one", QByteArray::number(i))).toObject();
+                QCOMPARE(one, all.at(i).toObject());
+            }
+            // Writes find the rows by their keys.
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.set.name", "{\"index\":1,\"name\":\"cc\"}")), 0);
+            QCOMPARE(RcTestClient::status(c.call("exec", "tray.add_one", namedPallet("d"))), 0);
+            QCOMPARE(listNames(c), QStringList({"b", "cc", "d"}));
+        }
+        RcTestClient c(false, dir.path());
+        QVERIFY2(c.opened, qPrintable(c.openError));
+        QCOMPARE(listNames(c), QStringList({"b", "cc", "d"}));
+        for (int i = 0; i < 3; ++i) {
+            const QJsonObject one = RcTestClient::data(c.call("exec", "tray.query.one", QByteArray::number(i))).toObject();
+            QCOMPARE(one.value("index").toInt(), i);
+        }
+        QCOMPARE(RcTestClient::status(c.call("exec", "tray.del_one", "{\"index\":2,\"name\":\"d\"}")), 0);
+        Intruder other(dir.path());
+        QCOMPARE(other.positions(), QList<qint64>({1, 2}));
+        QCOMPARE(other.texts().at(0), before.at(1));
     }
 
     void serverOverTcp()
