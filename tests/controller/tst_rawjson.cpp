@@ -137,6 +137,43 @@ private slots:
             QCOMPARE(got, name);
     }
 
+    void storedHead_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<bool>("hasName");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("indexIs");
+        QTest::newRow("both, in place") << QByteArray("{\"name\":\"a\",\"index\":3}") << 3 << true << "a" << true;
+        QTest::newRow("older index") << QByteArray("{\"name\":\"a\",\"index\":4}") << 3 << true << "a" << false;
+        QTest::newRow("index with more digits") << QByteArray("{\"index\":10,\"name\":\"a\"}") << 1 << true << "a" << false;
+        QTest::newRow("index with fewer digits") << QByteArray("{\"index\":1,\"name\":\"a\"}") << 10 << true << "a" << false;
+        QTest::newRow("index zero") << QByteArray("{\"index\":0}") << 0 << false << QString() << true;
+        QTest::newRow("index written as a double") << QByteArray("{\"index\":1.0}") << 1 << false << QString() << false;
+        QTest::newRow("index as text") << QByteArray("{\"index\":\"1\"}") << 1 << false << QString() << false;
+        QTest::newRow("no index") << QByteArray("{\"name\":\"a\"}") << 0 << true << "a" << false;
+        QTest::newRow("index only nested") << QByteArray("{\"p\":{\"index\":0},\"name\":\"a\"}") << 0 << true << "a" << false;
+        QTest::newRow("first index counts") << QByteArray("{\"index\":2,\"index\":5}") << 2 << false << QString() << true;
+        QTest::newRow("escaped name") << QByteArray("{\"name\":\"\\u00e9\",\"index\":7}") << 7 << true << QString(QChar(0xE9)) << true;
+        QTest::newRow("name not a string") << QByteArray("{\"name\":5,\"index\":0}") << 0 << false << QString() << true;
+        QTest::newRow("with spaces") << QByteArray(" { \"index\" : 12 , \"name\" : \"s\" } ") << 12 << true << "s" << true;
+        QTest::newRow("broken") << QByteArray("{\"name\":\"a\",\"index\":0") << 0 << false << QString() << false;
+        QTest::newRow("not an object") << QByteArray("[0]") << 0 << false << QString() << false;
+    }
+    void storedHead()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(int, index);
+        QFETCH(bool, hasName);
+        QFETCH(QString, name);
+        QFETCH(bool, indexIs);
+        const rawjson::StoredHead head = rawjson::storedHead(text, index);
+        QCOMPARE(head.hasName, hasName);
+        if (hasName)
+            QCOMPARE(head.name, name);
+        QCOMPARE(head.indexIs, indexIs);
+    }
+
     void scanRequest()
     {
         const QByteArray params = "{\"name\":\"a\",\"method\":\"inner\",\"points\":[{\"op\":\"x\"}]}";
