@@ -223,10 +223,14 @@ private slots:
         QFETCH(int, seed);
         QTemporaryDir dir;
         QRandomGenerator gen{quint32(seed)};
-        // name -> acknowledged JSON, and the request that was in flight when the process died.
+        enum Op { Add, Set, Remove };
+        // name -> acknowledged JSON, the list's order, and the request that was in flight when
+        // the process died.
         std::map<QString, QByteArray> acked;
         QStringList order;
+        int named = 0;
         int landed = 0;
+        int removals = 0;
         for (int round = 0; round < 4; ++round) {
             RcsimProcess sim;
             QVERIFY(sim.start(dir.path()));
@@ -235,14 +239,16 @@ private slots:
             const int writes = 3 + int(gen.bounded(10));
             QString pendingName;
             QByteArray pendingJson;
-            bool pendingAdd = false;
+            Op pendingOp = Set;
             for (int i = 0; i <= writes; ++i) {
-                const bool add = order.isEmpty() || gen.bounded(3) == 0;
-                const QString name = add ? QString("p%1").arg(order.size()) : order.at(int(gen.bounded(order.size())));
+                const int roll = int(gen.bounded(6));
+                const Op op = order.isEmpty() || roll < 2 ? Add : roll == 2 && order.size() >= 2 ? Remove : Set;
+                const int at = op == Add ? order.size() : int(gen.bounded(order.size()));
+                const QString name = op == Add ? QString("p%1").arg(named++) : order.at(at);
                 const QByteArray json = revision(name, round * 100 + i, 100 + int(gen.bounded(300)), gen);
-                const QByteArray line = "{\"id\":" + QByteArray::number(i) + ",\"op\":\"exec\",\"method\":\""
-                    + (add ? "tray.add_one" : "tray.set.one") + "\",\"params\":" + json + "}";
-                QVERIFY(client.send(line));
+                const char *method = op == Add ? "tray.add_one" : op == Set ? "tray.set.one" : "tray.del_one";
+                const QByteArray params = op == Remove ? "{\"index\":" + QByteArray::number(at) + ",\"name\":\"" + name.toUtf8() + "\"}" : json;
+                QVERIFY(client.send(requestLine(i, "exec", method, params).chopped(1)));
                 if (i == writes) {
                     // The last write is cut off at a random moment, reply unseen.
                     client.socket.flush();
@@ -250,50 +256,60 @@ private slots:
                     sim.kill();
                     pendingName = name;
                     pendingJson = json;
-                    pendingAdd = add;
+                    pendingOp = op;
                     break;
                 }
                 const QJsonObject r = QJsonDocument::fromJson(client.reply()).object();
                 QCOMPARE(RcTestClient::status(r), 0);
+                if (op == Remove) {
+                    order.removeAt(at);
+                    acked.erase(name);
+                    ++removals;
+                    continue;
+                }
                 acked[name] = json;
-                if (add)
+                if (op == Add)
                     order << name;
             }
-            // Reopen in-process and compare.
+            // Reopen in-process and compare: the list is the acknowledged one, or the one the
+            // write in flight made.
             RcTestClient c(false, dir.path());
             QVERIFY2(c.opened, qPrintable(c.openError));
-            const QJsonArray list = RcTestClient::data(c.call("exec", "tray.query.list")).toArray();
-            const bool pendingLanded = pendingAdd && list.size() == order.size() + 1;
-            QVERIFY(list.size() == order.size() || pendingLanded);
-            for (int i = 0; i < order.size(); ++i) {
-                const QString &name = order.at(i);
-                QCOMPARE(list.at(i).toObject().value("name").toString(), name);
+            QStringList names;
+            for (const QJsonValue &v : RcTestClient::data(c.call("exec", "tray.query.list")).toArray())
+                names << v.toObject().value("name").toString();
+            QStringList changed = order;
+            if (pendingOp == Add)
+                changed << pendingName;
+            else if (pendingOp == Remove)
+                changed.removeOne(pendingName);
+            QVERIFY2(names == order || names == changed, qPrintable(names.join(',')));
+            bool pendingLanded = pendingOp != Set && names == changed;
+            for (int i = 0; i < names.size(); ++i) {
+                const QString &name = names.at(i);
                 const QByteArray reply = c.send("{\"id\":1,\"op\":\"exec\",\"method\":\"tray.query.one\",\"params\":"
                                                 + QByteArray::number(i) + "}");
                 orba::ModuleObject r;
                 QVERIFY(r.importFromJson(nullptr, reply));
+                // Each pallet carries its place as its index, whatever was removed before it.
                 const QByteArray stored = r.r("result.data")->exportToJson(true);
-                const bool old = samePallet(stored, acked[name], i);
-                const bool updated = !pendingAdd && name == pendingName && samePallet(stored, pendingJson, i);
-                QVERIFY2(old || updated, qPrintable(QString("round %1, pallet %2").arg(round).arg(name)));
-                if (updated && !old) {
+                const bool old = acked.count(name) && samePallet(stored, acked[name], i);
+                const bool written = pendingOp != Remove && name == pendingName && samePallet(stored, pendingJson, i);
+                QVERIFY2(old || written, qPrintable(QString("round %1, pallet %2").arg(round).arg(name)));
+                if (written && !old) {
                     acked[name] = pendingJson;
-                    ++landed;
+                    pendingLanded = true;
                 }
             }
             if (pendingLanded) {
-                const QByteArray reply = c.send("{\"id\":1,\"op\":\"exec\",\"method\":\"tray.query.one\",\"params\":"
-                                                + QByteArray::number(order.size()) + "}");
-                orba::ModuleObject r;
-                QVERIFY(r.importFromJson(nullptr, reply));
-                QVERIFY(samePallet(r.r("result.data")->exportToJson(true), pendingJson, order.size()));
-                acked[pendingName] = pendingJson;
-                order << pendingName;
                 ++landed;
+                if (pendingOp == Remove)
+                    acked.erase(pendingName);
             }
+            order = names;
         }
         QVERIFY(order.size() >= 2);
-        qInfo("writes in flight at the kill that had committed: %d of 4", landed);
+        qInfo("writes in flight at the kill that had committed: %d of 4; removals acknowledged: %d", landed, removals);
     }
 
     void namesSurviveARestart_data()
