@@ -11,17 +11,6 @@
 namespace orba {
 namespace numbers {
 
-// A double's digits, with ".0" added where they would read as an integer ("1" -> "1.0").
-inline void appendAsDouble(QByteArray &out, const char *digits, int len)
-{
-    out.append(digits, len);
-    for (int i = 0; i < len; ++i) {
-        if (digits[i] == '.' || digits[i] == 'e')
-            return;
-    }
-    out.append(".0", 2);
-}
-
 // Doubles as the shortest text that reads back as the same double ("0.1", "1.0", "-0.0",
 // "1e+22"), always recognisable as a double: bit-exact through any correct decimal reader, and
 // much quicker to write than a fixed 17 digits. Non-finite values are the caller's business.
@@ -30,7 +19,14 @@ inline void appendDouble(QByteArray &out, double d)
 {
     char buf[40];
     const auto res = std::to_chars(buf, buf + sizeof buf, d);
-    appendAsDouble(out, buf, int(res.ptr - buf));
+    const int len = int(res.ptr - buf);
+    out.append(buf, len);
+    // Digits alone would read back as an integer.
+    for (int i = 0; i < len; ++i) {
+        if (buf[i] == '.' || buf[i] == 'e')
+            return;
+    }
+    out.append(".0", 2);
 }
 
 inline void appendInt(QByteArray &out, qint64 v)
